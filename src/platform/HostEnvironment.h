@@ -1,0 +1,31 @@
+// What the application was given by the one who started it: variables and folders.
+// Threads: any; nothing changes after the start.
+#pragma once
+
+#include "platform/ChildProcess.h"
+
+#include <string>
+
+namespace fernwick::platform {
+
+class HostEnvironment {
+public:
+    virtual ~HostEnvironment() = default;
+
+    // A copy of the application's environment.
+    [[nodiscard]] virtual Environment variables() const = 0;
+
+    // The user's home folder as the system's account database has it, whatever HOME says. Never empty.
+    [[nodiscard]] virtual std::string accountHome() const = 0;
+
+    // Where preference files lie: $XDG_CONFIG_HOME, else ~/.config (XDG Base Directory Specification).
+    [[nodiscard]] virtual std::string configFolder() const = 0;
+
+    // The application's support folder: $XDG_DATA_HOME/Fernwick, else ~/.local/share/Fernwick.
+    [[nodiscard]] virtual std::string supportFolder() const = 0;
+
+    // $TMPDIR, else the system's folder for temporary files.
+    [[nodiscard]] virtual std::string temporaryFolder() const = 0;
+};
+
+} // namespace fernwick::platform
