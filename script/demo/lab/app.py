@@ -15,6 +15,8 @@ from lab.session import Session, descendants, program_name
 from lab.waiting import wait_until
 
 REPOSITORY = Path(__file__).resolve().parents[3]
+# The items of a row's context menu, by how far down they stand.
+ROW_MENU = {"Start Tunnel": 1, "Stop Tunnel": 1, "Duplicate": 2, "Delete": 3}
 Widget = Any  # gi.repository.Atspi.Accessible, which has no types
 
 
@@ -99,12 +101,21 @@ class App:
         box = widget.get_component_iface().get_extents(_atspi().CoordType.SCREEN)
         self.desktop.xdotool("mousemove", "--sync", box.x + box.width // 2, box.y + box.height // 2, "click", button)
 
-    def choose(self, widget: Widget, item: str) -> None:
-        """Opens the context menu of a widget and chooses an item of it."""
-        self.click(widget, 3)
-        entry = self.find(item, "menu item")
-        self.click(entry)
-        self.gone(item, "menu item")
+    def choose(self, row: Widget, item: str) -> None:
+        """Chooses an item of the context menu of a sidebar row, with the keyboard.
+
+        Accessibility does not list popups, so the menu is seen as one more window of the program.
+        """
+        assert self.desktop is not None
+        before = self._windows()
+        self.click(row, 3)
+        menu = wait_until(lambda: self._windows() - before, f"the context menu with {item!r} opens")
+        self.desktop.xdotool("key", *["Down"] * ROW_MENU[item], "Return")
+        wait_until(lambda: not self._windows() & menu, f"the menu closes after {item!r}")
+
+    def _windows(self) -> set[str]:
+        assert self.desktop is not None
+        return set(self.desktop.xdotool("search", "--onlyvisible", "--pid", self.pid).split())
 
     def window(self, title: str = "Fernwick") -> str:
         """The X id of the window with exactly that title; empty while it is hidden."""
