@@ -16,8 +16,9 @@ namespace fernwick::support {
 // Whether the bytes are well-formed UTF-8.
 [[nodiscard]] bool isValidUtf8(std::string_view bytes);
 
-// A search text, prepared once and looked for in many places: a containment test that ignores letter case by the
-// user's locale (Turkish dotted and dotless i included) and does not tell composed from decomposed characters.
+// A search text, prepared once and looked for in many places: a containment test that ignores letter case by
+// the user's locale (Turkish dotted and dotless i included) and does not tell composed from decomposed
+// characters.
 class CaselessNeedle {
 public:
     explicit CaselessNeedle(std::string_view needle);
@@ -27,7 +28,6 @@ public:
 
 private:
     std::string folded_; // in the form that haystacks are folded to
-    bool asciiOnly_ = false;
     bool turkic_ = false;
 };
 
