@@ -25,7 +25,7 @@ from lab.preferences import Preferences
 from lab.session import Session
 from lab.sshlab import SshLab
 from lab.waiting import wait_until
-from lab.wire import Listener, fetch, free_port
+from lab.wire import fetch, free_port
 
 SHOWN = "Intranet"
 DEFAULT_PICTURE = REPOSITORY / "build/demo/fernwick-demo.png"
@@ -40,7 +40,7 @@ def step(what: str) -> Iterator[list[str]]:
     print(f"  {what:<52} {(time.monotonic() - start) * 1000:>6.0f} ms  {' '.join(remarks)}".rstrip(), flush=True)
 
 
-def write_catalogue(session: Session, lab: SshLab, listener: Listener) -> int:
+def write_catalogue(session: Session, lab: SshLab) -> int:
     """One tunnel of each type, all on free ports; returns the local port of the one that is shown."""
     key = stored.key(lab.key)
     tags = [stored.tag("Production", "#FF453A"), stored.tag("Staging", "#FF9F0A"), stored.tag("Personal", "#BF5AF2")]
@@ -54,7 +54,7 @@ def write_catalogue(session: Session, lab: SshLab, listener: Listener) -> int:
     catalogue = [
         tunnel(SHOWN, stored.LOCAL, 0, port, remoteHost=site.NAME, remotePort=str(lab.site_port),
                notes="A web site that only the server can reach."),
-        tunnel("Show my work", stored.REMOTE, 1, listener.port, remotePort=str(free_port()),
+        tunnel("Show my work", stored.REMOTE, 1, free_port(), remotePort=str(free_port()),
                notes="A port on the server that leads to this machine."),
         tunnel("Browse from the server", stored.SOCKS5, 1, free_port()),
         tunnel("Everything else", stored.DYNAMIC, 2, free_port(), compression=True),
@@ -79,8 +79,7 @@ def show(session: Session, picture: Path) -> App:
     with step("Started a session bus, and a display if there was none") as remarks:
         desktop = Desktop(session, use_own_display=True)
         remarks.append(f"display {session.environment['DISPLAY']}")
-    listener = Listener()
-    port = write_catalogue(session, lab, listener)
+    port = write_catalogue(session, lab)
     with step("Started Fernwick, with four tunnels in its sidebar") as remarks:
         app = App(session, desktop)
         wait_until(lambda: len(app.rows()) == 4, "the sidebar lists four tunnels")
