@@ -140,7 +140,8 @@ TEST(TunnelManager, AfterAFailedLaunchTheUserCanTryAgain) {
     TunnelWorld world;
     const auto tunnel = world.add();
     world.processes.failNextLaunch({2, "No such file or directory"});
-    world.launch(world.add());
+    world.manager.connect(tunnel, world.store);
+    world.dispatch.runAll();
     world.bringUp(tunnel);
     EXPECT_EQ(world.manager.status(tunnel.id), TunnelStatus::connected());
 }
@@ -167,14 +168,13 @@ TEST_P(TunnelManagerExit, IsToldByItsStatus) {
 
 INSTANTIATE_TEST_SUITE_P(
     Table, TunnelManagerExit,
-    testing::Values(
-        ExitRow{"NetworkError", 255, LogLevel::error,
-                "Process exited (code: 255) — Network error or host unreachable"},
-        ExitRow{"GeneralError", 1, LogLevel::error, "Process exited (code: 1) — General SSH error"},
-        ExitRow{"Interrupted", 130, LogLevel::error, "Process exited (code: 130) — Interrupted"},
-        ExitRow{"Clean", 0, LogLevel::info, "Process exited (code: 0)"},
-        ExitRow{"Killed", 9, LogLevel::error, "Process exited (code: 9)"},
-        ExitRow{"Other", 127, LogLevel::error, "Process exited (code: 127)"}),
+    testing::Values(ExitRow{"NetworkError", 255, LogLevel::error,
+                            "Process exited (code: 255) — Network error or host unreachable"},
+                    ExitRow{"GeneralError", 1, LogLevel::error, "Process exited (code: 1) — General SSH error"},
+                    ExitRow{"Interrupted", 130, LogLevel::error, "Process exited (code: 130) — Interrupted"},
+                    ExitRow{"Clean", 0, LogLevel::info, "Process exited (code: 0)"},
+                    ExitRow{"Killed", 9, LogLevel::error, "Process exited (code: 9)"},
+                    ExitRow{"Other", 127, LogLevel::error, "Process exited (code: 127)"}),
     [](const auto& row) { return row.param.name; });
 
 TEST(TunnelManager, ExitWithinTheFirstMomentsNeverReachesConnected) {
@@ -227,11 +227,12 @@ TEST(TunnelManager, ChildThatIgnoresTheRequestIsKilledTwiceASecondLater) {
     world.manager.disconnect(tunnel.id);
     world.dispatch.advance(999ms);
     EXPECT_TRUE(child.isRunning());
-    EXPECT_TRUE(world.processes.signals().empty());
+    const fakes::FakeProcesses::Signal request{child.pid(), platform::kSignalTerminate};
+    EXPECT_EQ(world.processes.signals(), std::vector{request});
     world.dispatch.advance(1ms);
     EXPECT_FALSE(child.isRunning());
     const fakes::FakeProcesses::Signal kill{child.pid(), platform::kSignalKill};
-    EXPECT_EQ(world.processes.signals(), (std::vector{kill, kill}));
+    EXPECT_EQ(world.processes.signals(), (std::vector{request, kill, kill}));
 }
 
 TEST(TunnelManager, ChildThatEndedInTimeIsStillSignalledOnce) {
@@ -240,8 +241,9 @@ TEST(TunnelManager, ChildThatEndedInTimeIsStillSignalledOnce) {
     const auto pid = world.bringUp(tunnel).pid();
     world.manager.disconnect(tunnel.id);
     world.dispatch.advance(1s);
+    using Signal = fakes::FakeProcesses::Signal;
     EXPECT_EQ(world.processes.signals(),
-              (std::vector{fakes::FakeProcesses::Signal{pid, platform::kSignalKill}}));
+              (std::vector{Signal{pid, platform::kSignalTerminate}, Signal{pid, platform::kSignalKill}}));
 }
 
 TEST(TunnelManager, DisconnectOfAnUnknownIdLeavesAnIdleStatusAndItsLine) {
@@ -333,10 +335,11 @@ TEST(TunnelManager, QuitEndsEveryChildAtOnceAndSilently) {
     world.launch(second);
     const auto before = world.messages(first);
     world.notifications.post(platform::kApplicationWillTerminate);
-    EXPECT_EQ(world.processes.runningCount(), 0U);
-    EXPECT_EQ(world.processes.signals().size(), 2U);
+    EXPECT_EQ(world.processes.signals().size(), 4U);
     EXPECT_TRUE(world.manager.tunnelPortMap().empty());
     EXPECT_EQ(world.manager.activeProcess(first.id), nullptr);
+    world.dispatch.runGlobal();
+    EXPECT_EQ(world.processes.runningCount(), 0U);
     EXPECT_EQ(world.messages(first), before);
     EXPECT_EQ(world.manager.status(first.id), TunnelStatus::connected());
 }
