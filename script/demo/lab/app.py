@@ -3,18 +3,22 @@
 from __future__ import annotations
 
 import os
+import shlex
 import signal
 import subprocess
-from collections.abc import Iterator
+from collections.abc import Iterator, Sequence
 from pathlib import Path
 from typing import Any
 
 from lab.desktop import Desktop
+from lab.namespace import NESTED
 from lab.preferences import Preferences
-from lab.session import Session, descendants, program_name
+from lab.session import POWERLESS, Session, descendants, program_name
 from lab.waiting import wait_until
 
 REPOSITORY = Path(__file__).resolve().parents[3]
+# The items of a row's context menu, by how far down they stand.
+ROW_MENU = {"Start Tunnel": 1, "Stop Tunnel": 1, "Duplicate": 2, "Delete": 3}
 Widget = Any  # gi.repository.Atspi.Accessible, which has no types
 
 
@@ -27,14 +31,17 @@ class App:
     """One start of the application; a desktop is needed for everything that looks at widgets."""
 
     def __init__(self, session: Session, desktop: Desktop | None = None, *,
-                 environment: dict[str, str] | None = None, wrap: tuple[str, ...] = ()) -> None:
-        """Starts the program, behind the command `wrap` (which must end in executing it) if that is given."""
+                 environment: dict[str, str] | None = None, stand_in: Path | None = None,
+                 mounts: Sequence[str] = ()) -> None:
+        """Starts the program; with `stand_in` in place of ssh, and after the shell commands `mounts` in a namespace."""
         self.session = session
         self.desktop = desktop
         self.preferences = Preferences(session.config)
         self.stderr_path = session.root / f"app-{len(list(session.root.glob('app-*')))}.log"
+        before = [*mounts, *([f"mount --bind {shlex.quote(str(stand_in))} /usr/bin/ssh"] if stand_in else [])]
+        wrap = [*NESTED, "sh", "-c", " && ".join([*before, 'exec "$@"']), "sh"] if before else []
         with open(self.stderr_path, "wb") as stderr:
-            self.process = session.start([*wrap, program()], environment=environment, stderr=stderr)
+            self.process = session.start([*wrap, *POWERLESS, program()], environment=environment, stderr=stderr)
         self.pid = self.process.pid
         self._accessible: Widget = None
 
@@ -99,12 +106,21 @@ class App:
         box = widget.get_component_iface().get_extents(_atspi().CoordType.SCREEN)
         self.desktop.xdotool("mousemove", "--sync", box.x + box.width // 2, box.y + box.height // 2, "click", button)
 
-    def choose(self, widget: Widget, item: str) -> None:
-        """Opens the context menu of a widget and chooses an item of it."""
-        self.click(widget, 3)
-        entry = self.find(item, "menu item")
-        self.click(entry)
-        self.gone(item, "menu item")
+    def choose(self, row: Widget, item: str) -> None:
+        """Chooses an item of the context menu of a sidebar row, with the keyboard.
+
+        Accessibility does not list popups, so the menu is seen as one more window of the program.
+        """
+        assert self.desktop is not None
+        before = self._windows()
+        self.click(row, 3)
+        menu = wait_until(lambda: self._windows() - before, f"the context menu with {item!r} opens")
+        self.desktop.xdotool("key", *["Down"] * ROW_MENU[item], "Return")
+        wait_until(lambda: not self._windows() & menu, f"the menu closes after {item!r}")
+
+    def _windows(self) -> set[str]:
+        assert self.desktop is not None
+        return set(self.desktop.xdotool("search", "--onlyvisible", "--pid", self.pid).split())
 
     def window(self, title: str = "Fernwick") -> str:
         """The X id of the window with exactly that title; empty while it is hidden."""
@@ -117,23 +133,47 @@ class App:
         assert self.desktop is not None
         self.desktop.xdotool("windowactivate", "--sync", self.window(), "key", "--clearmodifiers", *chords)
 
-    # Its catalogue and its children
+    # Its catalogue, its log and its children
 
     def row(self, name: str) -> Widget:
-        """The sidebar's row of a tunnel."""
-        def look() -> Widget:
-            rows = [row for row in self.all(role="list item") if name in _lines_of(row)]
-            return rows[0] if rows else None
-        return wait_until(look, f"the sidebar has a row {name!r}", 5.0)
+        """The sidebar's row of a tunnel; waits for it."""
+        def look() -> list[Widget]:
+            return [row for row in self._sidebar() if _title(row) == name]
+        return wait_until(look, f"the sidebar has a row {name!r}", 5.0)[0]
 
     def rows(self) -> list[str]:
         """The names of the tunnels in the sidebar, from the top down."""
-        return [_lines_of(row)[0] for row in self.all(role="list item")]
+        return [_title(row) for row in self._sidebar()]
+
+    def _sidebar(self) -> list[Widget]:
+        lists = self.all("Tunnels", "list")
+        return self.all(role="list item", under=lists[0]) if lists else []
 
     def select(self, name: str) -> None:
         """Shows a tunnel in the detail column."""
         self.click(self.row(name))
-        self.find(role="push button", name="Connect", deadline=5.0) if not self.has("Stop") else None
+        wait_until(lambda: self.has("Connect") or self.has("Stop"), f"the detail column shows {name!r}")
+
+    def start_all(self, count: int) -> None:
+        """Starts the first `count` tunnels of the sidebar from their context menus, with the keyboard alone."""
+        assert self.desktop is not None
+        self.click(self._sidebar()[0])
+        self.desktop.xdotool("key", "--delay", "1", *["Menu", "Down", "Return", "Down"] * count)
+
+    def show_tab(self, title: str) -> None:
+        """Turns to one of the detail column's tabs."""
+        act(self.find(title))
+
+    def log(self) -> list[str]:
+        """The messages in the log of the selected tunnel."""
+        self.show_tab("Logs")
+        self.find("Auto-scroll")
+        return self.log_texts()
+
+    def log_texts(self) -> list[str]:
+        """The same, with the log on the screen already."""
+        lists = self.all("Log", "list")
+        return [_title(row) for row in self.all(role="list item", under=lists[0])] if lists else []
 
     def children(self, name: str = "ssh") -> list[int]:
         """The living processes below the application that run a program of that name."""
@@ -212,8 +252,8 @@ def text_of(widget: Widget) -> str:
     return str(text.get_text(0, text.get_character_count()))
 
 
-def _lines_of(row: Widget) -> list[str]:
-    return [line for node in walk(row) for line in (node.get_name() or "").splitlines()] or [""]
+def _title(row: Widget) -> str:
+    return str(row.get_name())
 
 
 def _atspi() -> Any:

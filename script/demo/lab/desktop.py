@@ -32,10 +32,9 @@ class Desktop:
             environment.pop("XAUTHORITY", None)
             session.start(["openbox", "--sm-disable"])
         environment["DBUS_SESSION_BUS_ADDRESS"] = self._start_bus()
-        environment["AT_SPI_BUS_ADDRESS"] = self._start_accessibility()
-        # libatspi and GLib read this process's own environment when the first widget is looked for.
-        os.environ |= {name: environment[name]
-                       for name in ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "AT_SPI_BUS_ADDRESS", "XDG_RUNTIME_DIR")}
+        # libatspi and GLib read this process's own environment when the first widget is looked for; Qt asks the bus.
+        os.environ |= {name: environment[name] for name in ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR")}
+        os.environ["AT_SPI_BUS_ADDRESS"] = self._start_accessibility()
 
     def call(self, destination: str, path: str, method: str, *arguments: str) -> str:
         """Calls a method on the session bus and returns the answer as gdbus prints it."""

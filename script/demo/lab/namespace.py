@@ -14,6 +14,8 @@ import subprocess
 import sys
 from pathlib import Path
 
+# The command that runs its arguments in one more mount namespace, inside the run's own, where we may mount already.
+NESTED = ["unshare", "--mount", "--propagation", "private", "--"]
 _INSIDE = "FERNWICK_LAB_NAMESPACE"
 
 

@@ -18,6 +18,8 @@ from lab import namespace
 from lab.waiting import wait_until
 
 MARKER = "FERNWICK_LAB"
+# Without capabilities file permissions hold for a program even when root runs it.
+POWERLESS = ["setpriv", "--inh-caps=-all", "--ambient-caps=-all", "--bounding-set=-all", "--"]
 _KEPT = ("PATH", "USER", "LOGNAME", "XAUTHORITY")
 
 
@@ -55,10 +57,9 @@ class Session:
 
     def start(self, command: Sequence[str | Path], *, environment: dict[str, str] | None = None,
               stdout: IO[bytes] | int | None = subprocess.DEVNULL, stderr: IO[bytes] | int | None = subprocess.DEVNULL,
-              pass_fds: Sequence[int] = (), dies_with_us: bool = True) -> subprocess.Popen[bytes]:
+              pass_fds: Sequence[int] = ()) -> subprocess.Popen[bytes]:
         """Starts a program of this run; it also dies when this program is killed."""
-        tie = ["setpriv", "--pdeathsig", "KILL", "--"] if dies_with_us else []
-        child = subprocess.Popen([*tie, *map(str, command)], env=environment or self.environment,
+        child = subprocess.Popen(["setpriv", "--pdeathsig", "KILL", "--", *map(str, command)], env=environment or self.environment,
                                  stdin=subprocess.DEVNULL, stdout=stdout, stderr=stderr, pass_fds=pass_fds,
                                  cwd=self.home, start_new_session=True)
         self._children.append(child)

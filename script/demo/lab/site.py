@@ -1,10 +1,11 @@
-"""The web site behind the ssh server, to be run as a program: site.py ADDRESS PORT.
+"""The web site of the laboratory, to be run as a program: site.py ADDRESS PORT.
 
-It answers only to its own name, which only the server's side can resolve.
+It answers only to its own name, which only the ssh server's side can resolve.
 """
 
 from __future__ import annotations
 
+import random
 import sys
 from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
 
@@ -12,8 +13,13 @@ NAME = "inside.fernwick.test"
 GREETING = "Hello from the far side of the tunnel."
 
 
+def some_bytes(count: int) -> bytes:
+    """Bytes that look random and are the same in every process."""
+    return random.Random(count).randbytes(count)
+
+
 class Handler(BaseHTTPRequestHandler):
-    """A greeting at `/`, and `/bytes/N` for N bytes."""
+    """A greeting at `/`, and `/bytes/N` for N bytes of `some_bytes`."""
 
     def do_GET(self) -> None:
         """Answers one request."""
@@ -21,7 +27,7 @@ class Handler(BaseHTTPRequestHandler):
             self.send_error(421, "This site is known under another name")
             return
         wanted = self.path.removeprefix("/bytes/")
-        body = b"x" * int(wanted) if wanted.isdigit() else GREETING.encode()
+        body = some_bytes(int(wanted)) if wanted.isdigit() else GREETING.encode()
         self.send_response(200)
         self.send_header("Content-Type", "text/plain; charset=utf-8")
         self.send_header("Content-Length", str(len(body)))

@@ -11,14 +11,13 @@ import sys
 from dataclasses import dataclass
 from pathlib import Path
 
-from lab import site
+from lab import namespace, site
 from lab.session import Session, descendants, stop
 from lab.waiting import wait_until
 from lab.wire import free_port, listens
 
 JUMP = "fernwick-jump"
 _SITE_ADDRESS = "127.83.72.1"
-_NESTED = ["unshare", "--mount", "--propagation", "private", "--"]  # inside the run's own, where we may mount already
 
 
 @dataclass
@@ -44,7 +43,7 @@ class Server:
         inside = self.folder / "inside.sh"
         inside.write_text(_inside_script(self.folder, config))
         with open(self.folder / "log", "ab") as log:
-            self.process = self.session.start([*_NESTED, "sh", inside], stderr=log)
+            self.process = self.session.start([*namespace.NESTED, "sh", inside], stderr=log)
         wait_until(lambda: listens(self.port), f"the ssh server listens on port {self.port} ({self.log()[-400:]!r})")
 
     def stop(self) -> None:
@@ -78,11 +77,10 @@ class SshLab:
         self.authorized = self.folder / "authorized_keys"
         self.authorized.write_text(self.key.with_suffix(".pub").read_text())
         self.site_port = free_port(_SITE_ADDRESS)
-        session.start([sys.executable, site.__file__, _SITE_ADDRESS, str(self.site_port)])
+        start_site(session, self.site_port, _SITE_ADDRESS)
         self.server = self._server("server")
         self.jump = self._server("jump")
         self._write_user_config()
-        wait_until(lambda: listens(self.site_port, _SITE_ADDRESS), "the site behind the server answers")
 
     def make_key(self, name: str) -> Path:
         """A fresh key pair without a passphrase; the path of its private half."""
@@ -112,6 +110,13 @@ class SshLab:
         (self.session.home / ".ssh/config").write_text(
             f"Host {JUMP}\n    HostName 127.0.0.1\n    Port {self.jump.port}\n    User {self.user}\n"
             f"    IdentityFile {self.key}\n    IdentityAgent none\n    StrictHostKeyChecking accept-new\n")
+
+
+def start_site(session: Session, port: int, address: str = "127.0.0.1") -> subprocess.Popen[bytes]:
+    """Starts a site in a process of its own and waits until it answers."""
+    child = session.start([sys.executable, site.__file__, address, str(port)])
+    wait_until(lambda: listens(port, address), f"the site answers on {address}:{port}")
+    return child
 
 
 def _inside_script(folder: Path, config: Path) -> str:

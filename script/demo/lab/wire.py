@@ -4,8 +4,6 @@ from __future__ import annotations
 
 import http.client
 import socket
-import threading
-from collections.abc import Callable
 
 
 def free_port(address: str = "127.0.0.1") -> int:
@@ -59,34 +57,3 @@ def _exactly(wire: socket.socket, count: int) -> bytes:
             raise ConnectionError("the proxy hung up")
         data += piece
     return data
-
-
-class Listener:
-    """A listener on a local port that answers every connection with what `reply` makes of its first bytes."""
-
-    def __init__(self, reply: Callable[[bytes], bytes] = bytes.upper) -> None:
-        self._reply = reply
-        self._socket = socket.create_server(("127.0.0.1", 0))
-        self.port: int = self._socket.getsockname()[1]
-        threading.Thread(target=self._serve, daemon=True).start()
-
-    def _serve(self) -> None:
-        while True:
-            try:
-                wire, _ = self._socket.accept()
-            except OSError:
-                return  # closed
-            with wire:
-                wire.sendall(self._reply(wire.recv(65536)))
-
-    def close(self) -> None:
-        """Frees the port."""
-        self._socket.shutdown(socket.SHUT_RDWR)
-        self._socket.close()
-
-
-def ask(port: int, question: bytes) -> bytes:
-    """Sends bytes to a local port and returns what comes back until the end."""
-    with socket.create_connection(("127.0.0.1", port), timeout=10) as wire:
-        wire.sendall(question)
-        return b"".join(iter(lambda: wire.recv(65536), b""))
