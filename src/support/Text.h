@@ -28,7 +28,6 @@ public:
 
 private:
     std::string folded_; // in the form that haystacks are folded to
-    bool asciiOnly_ = false;
     bool turkic_ = false;
 };
 
