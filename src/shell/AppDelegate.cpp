@@ -28,6 +28,9 @@ void AppDelegate::applicationDidFinishLaunching() {
             delegate->findMainWindow();
         }
     });
+    if (!checkForUpdates_) {
+        return;
+    }
     dispatch_.mainAfter(kUpdateCheckDelay, [weak = self_.weak()] {
         if (auto* delegate = weak.get()) {
             delegate->checkForUpdates_();

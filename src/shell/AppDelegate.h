@@ -23,10 +23,16 @@ public:
     // How long the end of the application waits for the routing layer.
     static constexpr platform::Duration kShutdownLimit{2000};
 
-    // `checkForUpdates` is the silent check; both references outlive the delegate.
-    AppDelegate(platform::Dispatch& dispatch, RoutingLayer& routing, std::function<void()> checkForUpdates);
+    // Both references outlive the delegate.
+    AppDelegate(platform::Dispatch& dispatch, RoutingLayer& routing);
 
-    // Plans the two delayed steps of the start.
+    // What is to be done, silently, once the application has settled; nothing unless it is set before the
+    // start.
+    void setUpdateCheck(std::function<void()> checkForUpdates) {
+        checkForUpdates_ = std::move(checkForUpdates);
+    }
+
+    // Plans the delayed steps of the start: adoption, and the update check if there is one.
     void applicationDidFinishLaunching();
 
     // Takes every window off the screen, then stops the routing layer in the background and waits for that, but

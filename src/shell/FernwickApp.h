@@ -10,22 +10,30 @@ namespace fernwick {
 
 class FernwickApp {
 public:
-    // Takes the state of the application from its stores and starts its managers. `application` outlives it.
+    // Makes what the stores and managers will stand on; reads no preference yet. `application` outlives it.
     explicit FernwickApp(QApplication& application);
     FernwickApp(const FernwickApp&) = delete;
     FernwickApp& operator=(const FernwickApp&) = delete;
     ~FernwickApp();
 
-    // Shows the main window and runs until the application ends. Returns the exit status of the process. A
-    // second start raises the first application and returns 0 at once.
+    // Builds the stores, the managers and the main window, and runs until the application ends. Returns the
+    // exit status of the process. A second start raises the first application and returns 0 at once. No tunnel
+    // is started.
     int run();
 
     // The whole program: returns the exit status; 1 with a message on standard error when there is no display.
     static int main(int argc, char** argv);
 
 private:
-    struct Parts;
-    std::unique_ptr<Parts> parts_;
+    struct Backends;
+    struct Scene;
+
+    // The orderly end, whichever way it came: menu, signal or session.
+    void terminate();
+
+    QApplication& application_;
+    std::unique_ptr<Backends> backends_;
+    std::unique_ptr<Scene> scene_;
 };
 
 } // namespace fernwick

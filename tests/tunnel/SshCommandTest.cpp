@@ -32,9 +32,9 @@ bool hasOption(const Arguments& arguments, const std::string& option) {
 TEST(SshCommand, SampleTunnelGivesTheWholeList) {
     EXPECT_EQ(buildSSHArguments(sample(), {}),
               (Arguments{"-N", "-o", "ServerAliveInterval=60", "-o", "ServerAliveCountMax=3", "-o",
-                         "ConnectTimeout=15", "-o", "StrictHostKeyChecking=accept-new", "-o", "IdentityAgent=none",
-                         "-p", "22", "-o", "ExitOnForwardFailure=yes", "-L", "127.0.0.1:8080:localhost:80",
-                         "ubuntu@example.com"}));
+                         "ConnectTimeout=15", "-o", "StrictHostKeyChecking=accept-new", "-o",
+                         "IdentityAgent=none", "-p", "22", "-o", "ExitOnForwardFailure=yes", "-L",
+                         "127.0.0.1:8080:localhost:80", "ubuntu@example.com"}));
 }
 
 TEST(SshCommand, EveryPartStandsInItsPlace) {
@@ -43,11 +43,31 @@ TEST(SshCommand, EveryPartStandsInItsPlace) {
     tunnel.compression = true;
     tunnel.jumpHost = "bastion";
     tunnel.tunnelType = TunnelType::socks5;
-    EXPECT_EQ(buildSSHArguments(tunnel, {.path = "/keys/id"}),
-              (Arguments{"-N", "-o", "ServerAliveInterval=60", "-o", "ServerAliveCountMax=3", "-o",
-                         "ConnectTimeout=15", "-o", "StrictHostKeyChecking=accept-new", "-o", "BatchMode=yes", "-o",
-                         "IdentityAgent=none", "-C", "-p", "22", "-J", "bastion", "-o", "ExitOnForwardFailure=yes",
-                         "-D", "127.0.0.1:8080", "-i", "/keys/id", "ubuntu@example.com"}));
+    EXPECT_EQ(buildSSHArguments(tunnel, {.path = "/keys/id"}), (Arguments{"-N",
+                                                                          "-o",
+                                                                          "ServerAliveInterval=60",
+                                                                          "-o",
+                                                                          "ServerAliveCountMax=3",
+                                                                          "-o",
+                                                                          "ConnectTimeout=15",
+                                                                          "-o",
+                                                                          "StrictHostKeyChecking=accept-new",
+                                                                          "-o",
+                                                                          "BatchMode=yes",
+                                                                          "-o",
+                                                                          "IdentityAgent=none",
+                                                                          "-C",
+                                                                          "-p",
+                                                                          "22",
+                                                                          "-J",
+                                                                          "bastion",
+                                                                          "-o",
+                                                                          "ExitOnForwardFailure=yes",
+                                                                          "-D",
+                                                                          "127.0.0.1:8080",
+                                                                          "-i",
+                                                                          "/keys/id",
+                                                                          "ubuntu@example.com"}));
 }
 
 struct AuthenticationRow {
@@ -66,7 +86,8 @@ TEST_P(SshCommandAuthentication, GivesItsGroup) {
     if (GetParam().hasKey) {
         tunnel.identityKeyID = support::Uuid::random();
     }
-    const auto arguments = buildSSHArguments(tunnel, {.hasStoredPassphrase = GetParam().hasPassphrase});
+    const auto arguments =
+        buildSSHArguments(tunnel, {.path = std::nullopt, .hasStoredPassphrase = GetParam().hasPassphrase});
     constexpr std::ptrdiff_t kGroupBegin = 9;
     const auto port = std::ranges::find(arguments, "-p");
     EXPECT_EQ(Arguments(arguments.begin() + kGroupBegin, port), GetParam().group);
@@ -75,16 +96,23 @@ TEST_P(SshCommandAuthentication, GivesItsGroup) {
 
 INSTANTIATE_TEST_SUITE_P(
     AllMethods, SshCommandAuthentication,
-    testing::Values(AuthenticationRow{"Password", AuthMethod::password, false, false,
-                                      {"-o", "PreferredAuthentications=password", "-o", "PubkeyAuthentication=no",
-                                       "-o", "IdentityAgent=none"}},
-                    AuthenticationRow{"KeyWithoutPassphrase", AuthMethod::privateKey, true, false,
-                                      {"-o", "BatchMode=yes", "-o", "IdentityAgent=none"}},
-                    AuthenticationRow{"KeyWithPassphrase", AuthMethod::privateKey, true, true,
-                                      {"-o", "IdentityAgent=none"}},
-                    AuthenticationRow{"NoKey", AuthMethod::privateKey, false, false, {"-o", "IdentityAgent=none"}},
-                    AuthenticationRow{"Agent", AuthMethod::agent, false, false,
-                                      {"-o", "BatchMode=yes", "-o", "IdentityAgent=default"}}),
+    testing::Values(
+        AuthenticationRow{"Password",
+                          AuthMethod::password,
+                          false,
+                          false,
+                          {"-o", "PreferredAuthentications=password", "-o", "PubkeyAuthentication=no", "-o",
+                           "IdentityAgent=none"}},
+        AuthenticationRow{"KeyWithoutPassphrase",
+                          AuthMethod::privateKey,
+                          true,
+                          false,
+                          {"-o", "BatchMode=yes", "-o", "IdentityAgent=none"}},
+        AuthenticationRow{
+            "KeyWithPassphrase", AuthMethod::privateKey, true, true, {"-o", "IdentityAgent=none"}},
+        AuthenticationRow{"NoKey", AuthMethod::privateKey, false, false, {"-o", "IdentityAgent=none"}},
+        AuthenticationRow{
+            "Agent", AuthMethod::agent, false, false, {"-o", "BatchMode=yes", "-o", "IdentityAgent=default"}}),
     [](const auto& row) { return row.param.name; });
 
 struct ForwardRow {
@@ -116,9 +144,11 @@ INSTANTIATE_TEST_SUITE_P(
         ForwardRow{"Local", TunnelType::localForward, "8080", "db", "5432", "-L", "127.0.0.1:8080:db:5432"},
         ForwardRow{"LocalWithoutFarSide", TunnelType::localForward, "8080", "", "", "-L",
                    "127.0.0.1:8080:localhost:8080"},
-        ForwardRow{"LocalKeepsBlanks", TunnelType::localForward, " 8080 ", "db", "80", "-L", "127.0.0.1: 8080 :db:80"},
+        ForwardRow{"LocalKeepsBlanks", TunnelType::localForward, " 8080 ", "db", "80", "-L",
+                   "127.0.0.1: 8080 :db:80"},
         ForwardRow{"Remote", TunnelType::remoteForward, "3000", "ignored", "9000", "-R", "9000:localhost:3000"},
-        ForwardRow{"RemoteWithoutFarPort", TunnelType::remoteForward, "3000", "", "", "-R", "3000:localhost:3000"},
+        ForwardRow{"RemoteWithoutFarPort", TunnelType::remoteForward, "3000", "", "", "-R",
+                   "3000:localhost:3000"},
         ForwardRow{"Socks", TunnelType::socks5, "1080", "ignored", "1", "-D", "127.0.0.1:1080"},
         ForwardRow{"Dynamic", TunnelType::dynamicForward, "1080", "ignored", "1", "-D", "127.0.0.1:1080"}),
     [](const auto& row) { return row.param.name; });
@@ -201,7 +231,8 @@ TEST(SshCommand, PreviewShowsWhatWasTyped) {
               "/usr/bin/ssh -N -p 22 -L 127.0.0.1:8080:localhost:80 ubuntu@example.com");
     tunnel.remoteHost = "";
     tunnel.remotePort = "";
-    EXPECT_EQ(buildPreviewCommand(tunnel), "/usr/bin/ssh -N -p 22 -L 127.0.0.1:8080:localhost: ubuntu@example.com");
+    EXPECT_EQ(buildPreviewCommand(tunnel),
+              "/usr/bin/ssh -N -p 22 -L 127.0.0.1:8080:localhost: ubuntu@example.com");
 }
 
 TEST(SshCommand, PreviewLeavesOutOptionsAndPutsTheJumpHostLast) {
