@@ -2,10 +2,17 @@
 
 #include <cerrno>
 #include <poll.h>
-#include <sys/pidfd.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 namespace fernwick::platform {
+
+// The header of glibc 2.36 declares its functions for C only, hence the calls by number.
+
+FileDescriptor openProcess(int pid) {
+    return FileDescriptor(static_cast<int>(syscall(SYS_pidfd_open, pid, 0)));
+}
 
 bool hasEvent(const FileDescriptor& descriptor) {
     pollfd request{descriptor.get(), POLLIN, 0};
@@ -18,7 +25,7 @@ bool hasEnded(const FileDescriptor& process) {
 
 void signalProcess(const FileDescriptor& process, int signal) {
     // The only failure that happens is that the process has ended, and then the signal has no one to reach.
-    pidfd_send_signal(process.get(), signal, nullptr, 0);
+    syscall(SYS_pidfd_send_signal, process.get(), signal, nullptr, 0);
 }
 
 int reapProcess(const FileDescriptor& process) {

@@ -6,6 +6,9 @@
 
 namespace fernwick::platform {
 
+// The descriptor of a process; nothing open, and errno set, when there is none to be had.
+[[nodiscard]] FileDescriptor openProcess(int pid);
+
 // Whether poll(2) has something to read there now.
 [[nodiscard]] bool hasEvent(const FileDescriptor& descriptor);
 

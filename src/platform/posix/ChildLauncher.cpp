@@ -1,13 +1,13 @@
 #include "platform/posix/ChildLauncher.h"
 
 #include "platform/linux/ChildGuard.h"
+#include "platform/linux/PidFd.h"
 #include "platform/posix/SystemError.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
-#include <sys/pidfd.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -205,7 +205,7 @@ std::expected<LaunchedChild, LaunchError> ChildLauncher::launch(const std::strin
         reap(pid);
         return std::unexpected(launchError(code));
     }
-    FileDescriptor process(pidfd_open(pid, 0));
+    auto process = openProcess(pid);
     if (!process) {
         const int code = errno;
         kill(pid, SIGKILL);
