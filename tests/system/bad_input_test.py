@@ -17,7 +17,8 @@ class Texts(SystemTest):
 
     def test_stored_texts_survive_a_start(self) -> None:
         odd = [stored.tunnel("", host="", user=""), stored.tunnel("x" * 10_000, localPort="eighty", sshPort="-1"),
-               stored.tunnel("שלום עולם", user="مستخدم"), stored.tunnel("👩‍👩‍👧‍👦 🏳️‍🌈 e\u0301", notes="line\nline\ttab"),
+               stored.tunnel("שלום עולם", user="مستخدم"),
+               stored.tunnel("👩‍👩‍👧‍👦 🏳️‍🌈 e\u0301", notes="line\nline\ttab"),
                stored.tunnel("\u202eright to left override", keepAliveInterval=2**63 - 1),
                stored.tunnel("zero\u0000byte \u0001\u001b[31m", remoteHost="\u2028")]
         app = self.start(*odd)

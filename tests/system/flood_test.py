@@ -69,7 +69,8 @@ class Flood(SystemTest):
         app.start_all(TUNNELS)
         wait_until(lambda: len(app.children("sleep")) == TUNNELS, "all children are there", 20)
         launched = time.monotonic() - began
-        wait_until(lambda: sum("lastConnectedAt" in t for t in self.preferences.tunnels()) == TUNNELS, "all connect", 20)
+        wait_until(lambda: sum("lastConnectedAt" in record for record in self.preferences.tunnels()) == TUNNELS,
+                   "all connect", 20)
         connected = time.monotonic() - began
         print(f"{TUNNELS} tunnels: children after {launched:.2f} s, connected after {connected:.2f} s")
         self.assertLess(connected, launched + CONNECTED_WITHIN + SLACK)

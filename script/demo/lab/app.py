@@ -173,7 +173,7 @@ class App:
     def log_texts(self) -> list[str]:
         """The same, with the log on the screen already."""
         lists = self.all("Log", "list")
-        return [_title(row) for row in self.all(role="list item", under=lists[0])] if lists else []
+        return [row.get_name() for row in self.all(role="list item", under=lists[0])] if lists else []
 
     def children(self, name: str = "ssh") -> list[int]:
         """The living processes below the application that run a program of that name."""
@@ -253,7 +253,8 @@ def text_of(widget: Widget) -> str:
 
 
 def _title(row: Widget) -> str:
-    return str(row.get_name())
+    """A row reads "name, status, user@host"."""
+    return str(row.get_name()).rsplit(", ", 2)[0]
 
 
 def _atspi() -> Any:
