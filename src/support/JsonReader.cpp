@@ -43,10 +43,65 @@ std::size_t indexOfField(std::span<const FieldReader> fields, std::string_view k
     return static_cast<std::size_t>(found - fields.begin());
 }
 
+// Where the white space from `at` on ends.
+std::size_t skipSpace(std::string_view json, std::size_t at) {
+    return std::min(json.find_first_not_of(" \t\n\r", at), json.size());
+}
+
+// Where the string ends whose opening quote is at `at`: behind its closing quote, or at the end of the text.
+std::size_t endOfString(std::string_view json, std::size_t at) {
+    for (auto quote = json.find('"', at + 1); quote != std::string_view::npos;
+         quote = json.find('"', quote + 1)) {
+        const auto before = json.find_last_not_of('\\', quote - 1);
+        if ((quote - before) % 2 == 1) { // an even number of backslashes: they escape each other, not the quote
+            return quote + 1;
+        }
+    }
+    return json.size();
+}
+
+// Where the array element that starts at `at` ends: at the next comma or bracket that belongs to the array
+// itself. Whether the element is well-formed is left to the parser.
+std::size_t endOfElement(std::string_view json, std::size_t at) {
+    std::size_t depth = 0;
+    while (at < json.size()) {
+        switch (json[at]) {
+        case '"':
+            at = endOfString(json, at);
+            continue;
+        case '{':
+        case '[':
+            ++depth;
+            break;
+        case '}':
+        case ']':
+        case ',':
+            if (depth == 0) {
+                return at;
+            }
+            depth -= json[at] == ',' ? 0 : 1;
+            break;
+        default:
+            break;
+        }
+        ++at;
+    }
+    return at;
+}
+
+// The same for an object that holds no other and no closing brace in its texts. Found much faster, and safe to
+// try: what ends at any other brace is not well-formed.
+std::size_t endOfFlatObject(std::string_view json, std::size_t at) {
+    return std::min(json.find('}', at), json.size() - 1) + 1;
+}
+
 } // namespace
 
+// An element at a time is parsed, not the whole text: the parser's working memory is several times the size of
+// what it is given, and so stays in the processor's cache.
 struct JsonReader::Parser {
     dom::parser parser;
+    std::string padded;
 };
 
 bool JsonValue::isNull() const {
@@ -80,14 +135,50 @@ std::optional<double> JsonValue::number() const {
 JsonReader::JsonReader() : parser_(std::make_unique<Parser>()) {}
 JsonReader::~JsonReader() = default;
 
-std::optional<JsonValue> JsonReader::parse(std::string_view json) {
-    dom::element root;
-    if (const auto error = parser_->parser.parse(json.data(), json.size()).get(root);
+bool JsonReader::readText(std::string_view json, ElementReader readElement, void* list) {
+    std::size_t at = skipSpace(json, 0);
+    if (at == json.size() || json[at] != '[') {
+        return fail("is no array");
+    }
+    at = skipSpace(json, at + 1);
+    const bool empty = at < json.size() && json[at] == ']';
+    bool flat = true;
+    for (std::size_t index = 0; !empty; ++index) {
+        std::size_t end = flat ? endOfFlatObject(json, at) : endOfElement(json, at);
+        auto element = parse(json.substr(at, end - at), json.size() - at);
+        if (!element && flat) {
+            flat = false;
+            end = endOfElement(json, at);
+            element = parse(json.substr(at, end - at), json.size() - at);
+        }
+        if (!element || !readElement(*this, *element, list)) {
+            return failedIn("[" + std::to_string(index) + "]");
+        }
+        at = skipSpace(json, end);
+        if (at == json.size() || json[at] != ',') {
+            break;
+        }
+        ++at;
+    }
+    if (at == json.size() || json[at] != ']') {
+        return fail("does not end");
+    }
+    return skipSpace(json, at + 1) == json.size() || fail("goes on behind its end");
+}
+
+std::optional<JsonValue> JsonReader::parse(std::string_view element, std::size_t readable) {
+    const char* text = element.data();
+    if (readable - element.size() < simdjson::SIMDJSON_PADDING) {
+        parser_->padded.assign(element).append(simdjson::SIMDJSON_PADDING, ' ');
+        text = parser_->padded.data();
+    }
+    dom::element value;
+    if (const auto error = parser_->parser.parse(text, element.size(), false).get(value);
         error != simdjson::SUCCESS) {
         fail(simdjson::error_message(error));
         return std::nullopt;
     }
-    return valueOf(root);
+    return valueOf(value);
 }
 
 bool JsonReader::read(const JsonValue& value, std::string& out) {
@@ -166,14 +257,7 @@ bool JsonReader::readObject(const JsonValue& value, std::span<const FieldReader>
     return true;
 }
 
-std::optional<std::size_t> JsonReader::elementCount(const JsonValue& value) {
-    const auto array = as<dom::array>(value.place_);
-    return array ? std::optional(array->size()) : std::nullopt;
-}
-
-bool JsonReader::readElements(const JsonValue& value,
-                              bool (*readElement)(JsonReader& reader, const JsonValue& value, void* list),
-                              void* list) {
+bool JsonReader::readElements(const JsonValue& value, ElementReader readElement, void* list) {
     const auto array = as<dom::array>(value.place_);
     if (!array) {
         return fail("is no array");

@@ -1,4 +1,4 @@
-// JSON text, parsed whole, and its values handed to records. What the record coding reads with.
+// JSON text, checked whole, and its values handed to records. What the record coding reads with.
 // Threads: any, one at a time.
 #pragma once
 
@@ -26,7 +26,7 @@ struct DecodeError {
     std::string message;
 };
 
-// One value of a parsed text; valid as long as its reader. A null one by default.
+// One value of a parsed text; valid until its reader comes to the next element of the text. Null by default.
 class JsonValue {
 public:
     JsonValue() = default;
@@ -55,6 +55,9 @@ struct FieldReader {
     bool (*read)(JsonReader& reader, const JsonValue& value, void* record);
 };
 
+// Appends a value to the list of some element type; returns whether it fits.
+using ElementReader = bool (*)(JsonReader& reader, const JsonValue& value, void* list);
+
 // Reading returns whether the value fits. The first that does not is kept as the error; callers stop there.
 class JsonReader {
 public:
@@ -65,9 +68,11 @@ public:
     JsonReader& operator=(const JsonReader&) = delete;
     ~JsonReader();
 
-    // Parses the whole text, which must be one JSON value (RFC 8259) in valid UTF-8, and nothing behind it.
-    // Fails on lone surrogates, on numbers that no double holds, and on nesting deeper than 1,024.
-    [[nodiscard]] std::optional<JsonValue> parse(std::string_view json);
+    // Reads a text that must be one JSON array (RFC 8259) in valid UTF-8 with nothing behind it, element by
+    // element into a list. All of it is checked, keys that nobody asks for included; fails on lone surrogates,
+    // on numbers beyond a double or, without fraction and exponent, beyond 64 bits, and on nesting deeper than
+    // 1,024 in an element.
+    [[nodiscard]] bool readText(std::string_view json, ElementReader readElement, void* list);
 
     [[nodiscard]] bool read(const JsonValue& value, std::string& out);
     [[nodiscard]] bool read(const JsonValue& value, bool& out);
@@ -80,13 +85,8 @@ public:
     // Reads an object into a record. Of a key that is there twice, the last value stands, but all must fit.
     [[nodiscard]] bool readObject(const JsonValue& value, std::span<const FieldReader> fields, void* record);
 
-    // How many elements the array has; nothing when it is no array. Counts no further than about 16 million.
-    [[nodiscard]] std::optional<std::size_t> elementCount(const JsonValue& value);
-
     // Reads an array element by element into a list, up to the first that does not fit.
-    [[nodiscard]] bool readElements(const JsonValue& value,
-                                    bool (*readElement)(JsonReader& reader, const JsonValue& value, void* list),
-                                    void* list);
+    [[nodiscard]] bool readElements(const JsonValue& value, ElementReader readElement, void* list);
 
     // Keeps why a value does not fit; returns false.
     bool fail(std::string_view message);
@@ -96,6 +96,8 @@ public:
 private:
     struct Parser;
 
+    // The value of an element's text; `readable` bytes may be read from its start.
+    [[nodiscard]] std::optional<JsonValue> parse(std::string_view element, std::size_t readable);
     bool failedIn(const std::string& place);
 
     std::unique_ptr<Parser> parser_;

@@ -135,6 +135,11 @@ bool JsonWriter::write(const Uuid& uuid) {
     return true;
 }
 
+void JsonWriter::expect(std::size_t bytes, std::size_t count) {
+    constexpr std::size_t kMostBytes = 4096; // a few long values say nothing about the others
+    room(std::min(bytes + bytes / 8, kMostBytes) * count);
+}
+
 bool JsonWriter::failedIn(std::string_view key) {
     error_.path = "." + std::string(key) + error_.path;
     return false;

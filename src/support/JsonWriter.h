@@ -52,6 +52,10 @@ public:
     // Replaces one byte that was written; `at` is less than `size()`.
     void patch(std::size_t at, char byte) { buffer_[at] = byte; }
 
+    // Makes room for `count` values of about that many bytes, so that a long text need not be moved as it
+    // grows.
+    void expect(std::size_t bytes, std::size_t count);
+
     // Puts a place in front of the error's path; returns false.
     bool failedIn(std::string_view key);
     bool failedIn(std::size_t index);

@@ -5,7 +5,6 @@
 #include "support/JsonReader.h"
 #include "support/Record.h"
 
-#include <algorithm>
 #include <array>
 #include <expected>
 #include <optional>
@@ -41,17 +40,6 @@ inline constexpr auto kFieldReaders = []<std::size_t... I>(std::index_sequence<I
         !kIsOptional<std::remove_cvref_t<decltype(std::declval<R&>().*(std::get<I>(R::fields()).member))>>,
         &readField<R, I>}...};
 }(std::make_index_sequence<std::tuple_size_v<decltype(R::fields())>>{});
-
-// The length of a record's shortest text, which bounds how many of them a text can hold.
-template <Record R>
-inline constexpr std::size_t kShortestText = [] {
-    constexpr std::string_view kShortestField = R"("":0,)";
-    std::size_t length = 2;
-    for (const auto& field : kFieldReaders<R>) {
-        length += field.required ? field.key.size() + kShortestField.size() : 0;
-    }
-    return length;
-}();
 
 template <class T>
 [[nodiscard]] bool readElement(JsonReader& reader, const JsonValue& value, void* list) {
@@ -103,14 +91,11 @@ template <Record R>
 [[nodiscard]] std::expected<std::vector<R>, DecodeError> decodeList(std::string_view json) {
     JsonReader reader;
     std::vector<R> list;
-    if (const auto root = reader.parse(json)) {
-        const std::size_t most = json.size() / detail::kShortestText<R>;
-        list.reserve(std::min(reader.elementCount(*root).value_or(0), most));
-        if (detail::readElements(reader, *root, list)) {
-            return list;
-        }
+    list.reserve(json.size() / sizeof(R)); // a guess that takes no more memory than the text itself
+    if (!reader.readText(json, &detail::readElement<R>, &list)) {
+        return std::unexpected(reader.takeError());
     }
-    return std::unexpected(reader.takeError());
+    return list;
 }
 
 } // namespace fernwick::support

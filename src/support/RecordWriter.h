@@ -55,6 +55,9 @@ template <Record R, std::size_t I>
     }
 }
 
+// After so many elements of a list, the others are expected to be as long.
+inline constexpr std::size_t kSampledElements = 16;
+
 // Every member is written with a comma in front of it; the first of these commas is the bracket's place.
 inline void closeBracket(JsonWriter& out, std::size_t start, std::string_view brackets) {
     if (out.size() == start) {
@@ -79,6 +82,9 @@ template <class T>
 [[nodiscard]] bool writeElements(JsonWriter& out, const std::vector<T>& elements) {
     const std::size_t start = out.size();
     for (std::size_t index = 0; index < elements.size(); ++index) {
+        if (index == kSampledElements) {
+            out.expect((out.size() - start) / kSampledElements, elements.size() - index);
+        }
         out.raw(std::string_view(","));
         if (!writeValue(out, elements[index])) {
             return out.failedIn(index);

@@ -1,0 +1,22 @@
+// Operations on a process by its descriptor, which stays true when the process id is used anew (pidfd_open(2)).
+// Threads: any.
+#pragma once
+
+#include "platform/posix/FileDescriptor.h"
+
+namespace fernwick::platform {
+
+// Whether poll(2) has something to read there now.
+[[nodiscard]] bool hasEvent(const FileDescriptor& descriptor);
+
+// Whether the process has ended, reaped or not.
+[[nodiscard]] bool hasEnded(const FileDescriptor& process);
+
+// Sends a signal; nothing happens when the process is gone.
+void signalProcess(const FileDescriptor& process, int signal);
+
+// Waits for the end of a child of ours and reaps it: its exit status, or the number of the signal that ended
+// it.
+[[nodiscard]] int reapProcess(const FileDescriptor& process);
+
+} // namespace fernwick::platform

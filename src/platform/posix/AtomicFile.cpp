@@ -1,0 +1,159 @@
+#include "platform/posix/AtomicFile.h"
+
+#include "platform/posix/FileDescriptor.h"
+#include "platform/posix/PropertyListGuard.h"
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <csignal>
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace fernwick::platform {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kTemporaryMark = ".tmp-"; // followed by the writer's process id
+
+// Writes all of it and waits until it is on disk. Returns 0 or the error.
+int writeAll(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const auto count = write(descriptor, bytes.data(), bytes.size());
+        if (count < 0 && errno != EINTR) {
+            return errno;
+        }
+        bytes.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
+    }
+    return fsync(descriptor) == 0 ? 0 : errno;
+}
+
+int syncFolder(const std::string& path) {
+    const FileDescriptor folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // Some file systems have nothing to synchronise in a folder and answer EINVAL.
+    return !folder || fsync(folder.get()) == 0 || errno == EINVAL ? 0 : errno;
+}
+
+} // namespace
+
+std::expected<std::string, int> readWholeFile(const std::string& path) {
+    // Not blocking, since a named pipe would otherwise wait for a writer.
+    const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat found = {};
+    if (!file || fstat(file.get(), &found) != 0) {
+        return std::unexpected(errno);
+    }
+    if (!S_ISREG(found.st_mode)) {
+        return std::unexpected(S_ISDIR(found.st_mode) ? EISDIR : EINVAL);
+    }
+    if (found.st_size > static_cast<off_t>(kLargestPropertyList)) {
+        return std::unexpected(EFBIG);
+    }
+    std::string bytes(static_cast<std::size_t>(found.st_size), '\0');
+    std::size_t size = 0;
+    while (size < bytes.size()) {
+        const auto count = read(file.get(), bytes.data() + size, bytes.size() - size);
+        if (count < 0 && errno != EINTR) {
+            return std::unexpected(errno);
+        }
+        if (count == 0) {
+            break; // cut short by someone else meanwhile
+        }
+        size += count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+    bytes.resize(size);
+    return bytes;
+}
+
+int replaceFile(const std::string& path, const std::string& bytes) {
+    const auto temporary = path + std::string(kTemporaryMark) + std::to_string(getpid());
+    unlink(temporary.c_str()); // of an earlier process with our number
+    FileDescriptor file(open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    if (!file) {
+        return errno;
+    }
+    int code = writeAll(file.get(), bytes);
+    file.reset();
+    if (code == 0 && std::rename(temporary.c_str(), path.c_str()) != 0) {
+        code = errno;
+    }
+    if (code != 0) {
+        unlink(temporary.c_str());
+        return code;
+    }
+    return syncFolder(parentFolder(path));
+}
+
+void removeTemporaryFiles(const std::string& path) {
+    const auto prefix = fs::path(path).filename().string() + std::string(kTemporaryMark);
+    std::error_code ignored; // a folder that cannot be listed keeps what is in it
+    std::vector<std::string> dead;
+    for (fs::directory_iterator place(parentFolder(path), ignored), end; !ignored && place != end;
+         place.increment(ignored)) {
+        const auto name = place->path().filename().string();
+        const auto number = name.starts_with(prefix) ? std::string_view(name).substr(prefix.size()) : "";
+        pid_t pid = 0;
+        const auto parsed = std::from_chars(number.data(), number.data() + number.size(), pid);
+        const bool whole = parsed.ec == std::errc() && parsed.ptr == number.data() + number.size() && pid > 0;
+        if (whole && kill(pid, 0) != 0 && errno == ESRCH) {
+            dead.push_back(place->path().string());
+        }
+    }
+    for (const auto& file : dead) {
+        unlink(file.c_str());
+    }
+}
+
+std::expected<std::string, int> moveAside(const std::string& path, const std::string& prefix) {
+    for (int number = 1;; ++number) {
+        auto place = prefix + std::to_string(number);
+        if (renameat2(AT_FDCWD, path.c_str(), AT_FDCWD, place.c_str(), RENAME_NOREPLACE) == 0) {
+            return place;
+        }
+        if (errno != EEXIST) {
+            return std::unexpected(errno);
+        }
+    }
+}
+
+int makeFolders(const std::string& path) {
+    struct stat found = {};
+    if (stat(path.c_str(), &found) == 0) {
+        return S_ISDIR(found.st_mode) ? 0 : ENOTDIR;
+    }
+    if (errno != ENOENT || path == "/") {
+        return errno;
+    }
+    if (const int code = makeFolders(parentFolder(path)); code != 0) {
+        return code;
+    }
+    return mkdir(path.c_str(), 0700) == 0 || errno == EEXIST ? 0 : errno;
+}
+
+std::string followLinks(const std::string& path) {
+    constexpr int kLongestChain = 40; // as the kernel's own limit (path_resolution(7))
+    fs::path reached = path;
+    for (int link = 0; link < kLongestChain; ++link) {
+        std::error_code error;
+        const auto next = fs::read_symlink(reached, error);
+        if (error) {
+            return reached.string(); // no link, or nothing there
+        }
+        reached = next.is_absolute() ? next : reached.parent_path() / next;
+    }
+    return path;
+}
+
+std::string parentFolder(const std::string& path) {
+    auto parent = fs::path(path).parent_path();
+    return parent.empty() ? "." : parent.string();
+}
+
+} // namespace fernwick::platform

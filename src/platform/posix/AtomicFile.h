@@ -1,0 +1,35 @@
+// Files that are read and replaced whole. Numbers returned as errors are the system's (errno(3)).
+// Threads: any; two writers of one file must not write at the same time in one process.
+#pragma once
+
+#include <expected>
+#include <string>
+
+namespace fernwick::platform {
+
+// The bytes of a regular file; EINVAL for anything that is not one, EFBIG beyond what a property list may have.
+[[nodiscard]] std::expected<std::string, int> readWholeFile(const std::string& path);
+
+// Replaces the file, or makes it, with mode 0600. The new one is on disk before it takes the old one's place,
+// and the folder's entry is on disk before this returns. Returns 0, or the error that left the old file as it
+// was.
+[[nodiscard]] int replaceFile(const std::string& path, const std::string& bytes);
+
+// Removes what replaceFile left beside the path when its process was killed. Files of processes that run are
+// spared.
+void removeTemporaryFiles(const std::string& path);
+
+// Renames the file to `prefix` and the first number from 1 that is free. The new path, or the error.
+[[nodiscard]] std::expected<std::string, int> moveAside(const std::string& path, const std::string& prefix);
+
+// Makes the folder and those above it that are missing, with mode 0700. Returns 0 or the error.
+[[nodiscard]] int makeFolders(const std::string& path);
+
+// The path that a chain of symbolic links leads to, whether there is a file or not; the path itself in a
+// circle.
+[[nodiscard]] std::string followLinks(const std::string& path);
+
+// The folder that the path lies in.
+[[nodiscard]] std::string parentFolder(const std::string& path);
+
+} // namespace fernwick::platform

@@ -1,0 +1,220 @@
+#include "platform/posix/ChildLauncher.h"
+
+#include "platform/linux/ChildGuard.h"
+#include "platform/posix/SystemError.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <sys/pidfd.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace fernwick::platform {
+
+namespace {
+
+constexpr rlim_t kWantedDescriptors = 65536;
+
+struct Pipe {
+    FileDescriptor readEnd;
+    FileDescriptor writeEnd;
+};
+
+// All that the child needs, prepared beforehand: it may share our memory and must not allocate.
+struct ChildPlan {
+    const char* executable = nullptr;
+    char* const* arguments = nullptr;
+    char* const* environment = nullptr;
+    rlimit descriptorLimit{};
+    int parent = 0;
+    int input = -1;
+    int output = -1;
+    int error = -1;
+    int report = -1; // where the error number of a failed exec goes
+};
+
+LaunchError launchError(int code) {
+    return {code, describeError(code)};
+}
+
+// Above the standard descriptors, where the child can put it into its place without stepping on another.
+FileDescriptor aboveStandard(FileDescriptor descriptor) {
+    if (!descriptor || descriptor.get() > STDERR_FILENO) {
+        return descriptor;
+    }
+    return FileDescriptor(fcntl(descriptor.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+}
+
+std::expected<Pipe, LaunchError> makePipe() {
+    int ends[2] = {-1, -1};
+    if (pipe2(ends, O_CLOEXEC) != 0) {
+        return std::unexpected(launchError(errno));
+    }
+    Pipe pipe{aboveStandard(FileDescriptor(ends[0])), aboveStandard(FileDescriptor(ends[1]))};
+    if (!pipe.readEnd || !pipe.writeEnd) {
+        return std::unexpected(launchError(errno));
+    }
+    return pipe;
+}
+
+void resetSignals() noexcept {
+    struct sigaction standard = {};
+    standard.sa_handler = SIG_DFL;
+    for (int signal = 1; signal < NSIG; ++signal) {
+        sigaction(signal, &standard, nullptr); // fails for those that cannot be changed
+    }
+}
+
+[[noreturn]] void becomeProgram(const ChildPlan& plan) noexcept {
+    if (!dieWithParent(plan.parent)) {
+        _exit(127);
+    }
+    resetSignals();
+    int code = 0;
+    if (dup2(plan.input, STDIN_FILENO) < 0 || dup2(plan.output, STDOUT_FILENO) < 0 ||
+        dup2(plan.error, STDERR_FILENO) < 0) {
+        code = errno;
+    } else {
+        closeOthersOnExec();
+        setrlimit(RLIMIT_NOFILE, &plan.descriptorLimit);
+        sigset_t none;
+        sigemptyset(&none);
+        sigprocmask(SIG_SETMASK, &none, nullptr);
+        execve(plan.executable, plan.arguments, plan.environment);
+        code = errno;
+    }
+    // Nobody reads it if the parent is gone, and then nobody needs it.
+    [[maybe_unused]] const auto written = write(plan.report, &code, sizeof code);
+    _exit(127);
+}
+
+// Makes the child. No signal handler of ours can run in it, since none is let through until its program stands.
+pid_t makeChild(const ChildPlan& plan) {
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    // The child makes system calls only, and the time of a fork would grow with our memory.
+    const pid_t pid = vfork(); // NOLINT(clang-analyzer-security.insecureAPI.vfork)
+    if (pid == 0) {
+        becomeProgram(plan); // NOLINT(clang-analyzer-unix.Vfork)
+    }
+    const int code = errno;
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    errno = code;
+    return pid;
+}
+
+// The words as execve wants them. They stay owned by `words`, and are not changed.
+std::vector<char*> wordPointers(std::vector<std::string>& words) {
+    std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
+    for (auto& word : words) {
+        pointers.push_back(word.data());
+    }
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+// The error number of a failed exec, or 0.
+int awaitExec(Pipe& report) {
+    report.writeEnd.reset();
+    int code = 0;
+    ssize_t count = 0;
+    do {
+        count = read(report.readEnd.get(), &code, sizeof code);
+    } while (count < 0 && errno == EINTR);
+    return count == sizeof code ? code : 0;
+}
+
+void reap(pid_t pid) {
+    while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
+    }
+}
+
+void setNonBlocking(const FileDescriptor& descriptor) {
+    fcntl(descriptor.get(), F_SETFL, fcntl(descriptor.get(), F_GETFL) | O_NONBLOCK);
+}
+
+bool anyHasNul(const std::vector<std::string>& words) {
+    return std::ranges::any_of(words, [](const auto& word) { return word.contains('\0'); });
+}
+
+std::vector<std::string> environmentWords(const Environment& environment) {
+    std::vector<std::string> words;
+    words.reserve(environment.size());
+    for (const auto& [name, value] : environment) {
+        words.push_back(name + '=' + value);
+    }
+    return words;
+}
+
+} // namespace
+
+ChildLauncher::ChildLauncher() {
+    if (getrlimit(RLIMIT_NOFILE, &startLimit_) == 0) {
+        auto raised = startLimit_;
+        raised.rlim_cur = std::max(raised.rlim_cur, std::min(raised.rlim_max, kWantedDescriptors));
+        setrlimit(RLIMIT_NOFILE, &raised); // where it is refused, fewer children fit
+    }
+    // A parent that ignored SIGCHLD would have passed that on, and exit statuses would be lost.
+    struct sigaction present = {};
+    if (sigaction(SIGCHLD, nullptr, &present) == 0 && present.sa_handler == SIG_IGN) {
+        present.sa_handler = SIG_DFL;
+        present.sa_flags = 0;
+        sigaction(SIGCHLD, &present, nullptr);
+    }
+}
+
+std::expected<LaunchedChild, LaunchError> ChildLauncher::launch(const std::string& executable,
+                                                                const std::vector<std::string>& arguments,
+                                                                const Environment* environment) const {
+    std::vector<std::string> words{executable};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    auto variables = environment != nullptr ? environmentWords(*environment) : std::vector<std::string>();
+    if (anyHasNul(words) || anyHasNul(variables)) {
+        return std::unexpected(launchError(EINVAL));
+    }
+    const auto input = aboveStandard(FileDescriptor(open("/dev/null", O_RDONLY | O_CLOEXEC)));
+    if (!input) {
+        return std::unexpected(launchError(errno));
+    }
+    auto output = makePipe();
+    auto error = output ? makePipe() : std::unexpected(output.error());
+    auto report = error ? makePipe() : std::unexpected(error.error());
+    if (!report) {
+        return std::unexpected(report.error());
+    }
+    const auto argumentPointers = wordPointers(words);
+    const auto variablePointers = wordPointers(variables);
+    const pid_t pid = makeChild({.executable = executable.c_str(),
+                                 .arguments = argumentPointers.data(),
+                                 .environment = environment != nullptr ? variablePointers.data() : environ,
+                                 .descriptorLimit = startLimit_,
+                                 .parent = getpid(),
+                                 .input = input.get(),
+                                 .output = output->writeEnd.get(),
+                                 .error = error->writeEnd.get(),
+                                 .report = report->writeEnd.get()});
+    if (pid < 0) {
+        return std::unexpected(launchError(errno));
+    }
+    if (const int code = awaitExec(*report); code != 0) {
+        reap(pid);
+        return std::unexpected(launchError(code));
+    }
+    FileDescriptor process(pidfd_open(pid, 0));
+    if (!process) {
+        const int code = errno;
+        kill(pid, SIGKILL);
+        reap(pid);
+        return std::unexpected(launchError(code));
+    }
+    setNonBlocking(output->readEnd);
+    setNonBlocking(error->readEnd);
+    return LaunchedChild{pid, std::move(process), std::move(output->readEnd), std::move(error->readEnd)};
+}
+
+} // namespace fernwick::platform

@@ -1,0 +1,98 @@
+#include "platform/posix/FileUserDefaults.h"
+
+#include "platform/posix/PreferenceFile.h"
+
+#include <mutex>
+#include <utility>
+
+namespace fernwick::platform {
+
+// The values, and the way from them to the file. A write copies the dictionary under the lock, which shares the
+// bytes of large values, and goes to disk without it; so neither the main thread nor the writer waits for the
+// other.
+class FileUserDefaults::Writer {
+public:
+    explicit Writer(std::string path) : file_(std::move(path)), values_(file_.read()) {}
+
+    // Read on the main thread, which alone changes them, so without the lock.
+    [[nodiscard]] const PropertyDictionary& values() const { return values_; }
+
+    // Puts a value under the key, or takes the key out. True when a write has to be queued for it.
+    [[nodiscard]] bool change(std::string_view key, std::optional<PropertyValue> value) {
+        const std::lock_guard lock(mutex_);
+        const auto found = values_.find(key);
+        if (found != values_.end()) {
+            // Freeing megabytes takes its time; the writer has it.
+            replaced_.push_back(std::move(found->second));
+        }
+        if (!value) {
+            values_.erase(found);
+        } else if (found != values_.end()) {
+            found->second = std::move(*value);
+        } else {
+            values_.emplace(key, std::move(*value));
+        }
+        return !std::exchange(queued_, true);
+    }
+
+    // Writes the newest state. On the serial queue.
+    void write() {
+        std::vector<PropertyValue> replaced;
+        PropertyDictionary newest;
+        {
+            const std::lock_guard lock(mutex_);
+            queued_ = false;
+            replaced.swap(replaced_);
+            newest = values_;
+        }
+        file_.write(newest);
+    }
+
+private:
+    PreferenceFile file_; // used by the serial queue once it was read
+    std::mutex mutex_;    // guards what follows against the serial queue
+    PropertyDictionary values_;
+    std::vector<PropertyValue> replaced_;
+    bool queued_ = false;
+};
+
+FileUserDefaults::FileUserDefaults(Dispatch& dispatch, std::string path)
+    : writer_(std::make_shared<Writer>(std::move(path))), queue_(dispatch.serialQueue("user defaults")) {}
+
+FileUserDefaults::~FileUserDefaults() = default; // the queue finishes what it holds
+
+std::optional<PropertyValue> FileUserDefaults::value(std::string_view key) const {
+    const auto& values = writer_->values();
+    const auto found = values.find(key);
+    return found != values.end() ? std::optional(found->second) : std::nullopt;
+}
+
+void FileUserDefaults::set(std::string_view key, PropertyValue value) {
+    if (writer_->change(key, std::move(value))) {
+        queue_->async([writer = writer_] { writer->write(); });
+    }
+}
+
+void FileUserDefaults::remove(std::string_view key) {
+    if (writer_->values().contains(key) && writer_->change(key, std::nullopt)) {
+        queue_->async([writer = writer_] { writer->write(); });
+    }
+}
+
+std::vector<std::string> FileUserDefaults::keys() const {
+    std::vector<std::string> keys;
+    for (const auto& [key, value] : writer_->values()) {
+        keys.push_back(key);
+    }
+    return keys;
+}
+
+void FileUserDefaults::synchronize() {
+    queue_->drain();
+}
+
+std::unique_ptr<UserDefaults> FileUserDefaultsProvider::open(std::string_view domain) {
+    return std::make_unique<FileUserDefaults>(dispatch_, folder_ + "/" + std::string(domain) + ".plist");
+}
+
+} // namespace fernwick::platform

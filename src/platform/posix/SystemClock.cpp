@@ -1,0 +1,13 @@
+#include "platform/posix/SystemClock.h"
+
+namespace fernwick::platform {
+
+support::Date SystemClock::now() const {
+    return support::Date::fromSystem(std::chrono::system_clock::now());
+}
+
+std::chrono::nanoseconds SystemClock::uptime() const {
+    return std::chrono::steady_clock::now().time_since_epoch();
+}
+
+} // namespace fernwick::platform

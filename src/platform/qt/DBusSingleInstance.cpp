@@ -1,0 +1,99 @@
+#include "platform/qt/DBusSingleInstance.h"
+
+#include "platform/qt/ApplicationAdaptor.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QFileInfo>
+#include <QString>
+
+namespace fernwick::platform {
+
+namespace {
+
+const auto kService = QStringLiteral("com.fernwick.Fernwick");
+const auto kPath = QStringLiteral("/com/fernwick/Fernwick");
+const auto kInterface = QStringLiteral("org.freedesktop.Application");
+
+// The address of the session bus. libdbus would start a bus when it finds none, so it is not left to look
+// itself.
+QString sessionBusAddress(const HostEnvironment& host) {
+    const auto variables = host.variables();
+    if (const auto found = variables.find("DBUS_SESSION_BUS_ADDRESS");
+        found != variables.end() && !found->second.empty() && found->second != "autolaunch:") {
+        return QString::fromStdString(found->second);
+    }
+    const auto runtime = variables.find("XDG_RUNTIME_DIR");
+    if (runtime == variables.end() || !runtime->second.starts_with('/')) {
+        return {};
+    }
+    const auto socket = QString::fromStdString(runtime->second + "/bus");
+    return QFileInfo::exists(socket) ? QStringLiteral("unix:path=") + socket : QString();
+}
+
+} // namespace
+
+DBusSingleInstance::DBusSingleInstance(const HostEnvironment& host)
+    : lock_(host.supportFolder() + "/instance.lock"),
+      address_(sessionBusAddress(host)),
+      connectionName_(QStringLiteral("fernwick-single-instance-%1").arg(reinterpret_cast<quintptr>(this))) {
+    std::make_unique<ApplicationAdaptor>(&exported_, reopened).release(); // owned by its parent
+}
+
+DBusSingleInstance::~DBusSingleInstance() {
+    leaveBus();
+}
+
+SingleInstance::Claim DBusSingleInstance::claim() {
+    const auto onBus = claimOnBus();
+    if (onBus == BusClaim::takenByOther) {
+        askOtherToShowItself();
+        leaveBus();
+        return Claim::second;
+    }
+    // Another application may be without a bus, or on another one.
+    if (lock_.take() == InstanceLock::Outcome::heldByOther) {
+        leaveBus();
+        return Claim::second;
+    }
+    return Claim::first;
+}
+
+DBusSingleInstance::BusClaim DBusSingleInstance::claimOnBus() {
+    if (address_.isEmpty()) {
+        return BusClaim::unavailable;
+    }
+    if (!bus_) {
+        bus_ = QDBusConnection::connectToBus(address_, connectionName_);
+    }
+    if (!bus_->isConnected()) {
+        return BusClaim::unavailable;
+    }
+    // The object first: with the name come the requests.
+    bus_->registerObject(kPath, &exported_, QDBusConnection::ExportAdaptors);
+    const auto reply = bus_->interface()->registerService(kService, QDBusConnectionInterface::DontQueueService,
+                                                          QDBusConnectionInterface::DontAllowReplacement);
+    if (!reply.isValid()) {
+        return BusClaim::unavailable;
+    }
+    return reply.value() == QDBusConnectionInterface::ServiceRegistered ? BusClaim::owned
+                                                                        : BusClaim::takenByOther;
+}
+
+void DBusSingleInstance::askOtherToShowItself() {
+    auto call = QDBusMessage::createMethodCall(kService, kPath, kInterface, QStringLiteral("Activate"));
+    call << QVariantMap();
+    call.setAutoStartService(false);
+    // Whether it answers or hangs, it is the application; so the reply does not matter.
+    bus_->call(call, QDBus::Block, static_cast<int>(kAnswerLimit.count()));
+}
+
+void DBusSingleInstance::leaveBus() {
+    if (bus_) {
+        bus_->unregisterObject(kPath);
+        bus_.reset();
+        QDBusConnection::disconnectFromBus(connectionName_);
+    }
+}
+
+} // namespace fernwick::platform
