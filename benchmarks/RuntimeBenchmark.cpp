@@ -70,17 +70,19 @@ private:
 
 // The application without its shell.
 struct World {
-    explicit World(const std::vector<Tunnel>& tunnels) {
-        for (const auto& tunnel : tunnels) {
+    World(Theme& worn, const std::vector<Tunnel>& added) : theme(worn) {
+        for (const auto& tunnel : added) {
             store.add(tunnel);
         }
         window.show();
     }
 
+    Theme& theme;
     platform::SystemClock clock;
     platform::PosixHostEnvironment host;
     platform::QtDispatch dispatch;
-    platform::PosixProcesses realProcesses{dispatch};
+    platform::ChildLauncher launcher;
+    platform::PosixProcesses realProcesses{dispatch, launcher};
     StandInProcesses processes{realProcesses};
     platform::FileUserDefaultsProvider provider{dispatch, host};
     std::unique_ptr<platform::UserDefaults> defaults = provider.open("com.fernwick.Benchmark");
@@ -90,7 +92,7 @@ struct World {
     TunnelManager tunnels{{dispatch, clock, processes, host, *defaults, notifications, routing}};
     KeyManager keys{*defaults};
     TagManager tags{*defaults};
-    MainWindow window{{store, tunnels, keys, tags, notifications, dispatch, clock}};
+    MainWindow window{{theme, store, tunnels, keys, tags, notifications, dispatch, clock, {}}};
 };
 
 // The longest time in which the main thread answered nobody, in milliseconds.
@@ -138,8 +140,8 @@ long residentKibibytes() {
     return 0;
 }
 
-void connectAllAtOnce() {
-    World world(benchmarks::sampleTunnels(kTunnels, "Tunnel"));
+void connectAllAtOnce(Theme& theme) {
+    World world(theme, benchmarks::sampleTunnels(kTunnels, "Tunnel"));
     const Heartbeat heartbeat;
     for (const auto tunnels = world.store.tunnels(); const auto& tunnel : tunnels) {
         world.tunnels.connect(tunnel, world.store);
@@ -153,8 +155,8 @@ void connectAllAtOnce() {
     world.tunnels.killAllOnQuit();
 }
 
-void floodOneLog() {
-    World world(benchmarks::sampleTunnels(1, "Tunnel"));
+void floodOneLog(Theme& theme) {
+    World world(theme, benchmarks::sampleTunnels(1, "Tunnel"));
     world.processes.script = kFlood;
     const auto tunnel = world.store.tunnels().back();
     runUntil([&] { return world.window.isVisible(); });
@@ -172,9 +174,9 @@ void floodOneLog() {
     world.tunnels.killAllOnQuit();
 }
 
-void typeIntoLargeCatalogue() {
+void typeIntoLargeCatalogue(Theme& theme) {
     constexpr int kKeystrokes = 30;
-    World world({});
+    World world(theme, {});
     world.defaults->set(TunnelStore::kDefaultsKey,
                         {platform::Data(*support::encodeList(benchmarks::sampleTunnels(10000, "Tunnel")))});
     world.store.reload();
@@ -202,11 +204,11 @@ int main(int argc, char** argv) {
     qputenv("XDG_CONFIG_HOME", home.path().toLocal8Bit());
     qputenv("XDG_DATA_HOME", home.path().toLocal8Bit());
     QApplication application(argc, argv);
-    fernwick::applyTheme(application);
+    fernwick::Theme theme(application);
     std::printf("{");
-    fernwick::connectAllAtOnce();
-    fernwick::floodOneLog();
-    fernwick::typeIntoLargeCatalogue();
+    fernwick::connectAllAtOnce(theme);
+    fernwick::floodOneLog(theme);
+    fernwick::typeIntoLargeCatalogue(theme);
     std::printf("}\n");
     return 0;
 }

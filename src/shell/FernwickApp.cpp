@@ -8,9 +8,9 @@
 #include "platform/posix/PosixHostEnvironment.h"
 #include "platform/posix/PosixProcesses.h"
 #include "platform/posix/SystemClock.h"
+#include "platform/posix/TerminationSignals.h"
 #include "platform/qt/DBusSingleInstance.h"
 #include "platform/qt/QtDispatch.h"
-#include "platform/qt/TerminationSignals.h"
 #include "screens/theme/Theme.h"
 #include "shell/AppDelegate.h"
 #include "shell/MainWindowScene.h"
@@ -47,7 +47,8 @@ struct FernwickApp::Backends {
     platform::SystemClock clock;
     platform::PosixHostEnvironment host;
     platform::QtDispatch dispatch;
-    platform::PosixProcesses processes{dispatch};
+    platform::ChildLauncher launcher;
+    platform::PosixProcesses processes{dispatch, launcher};
     platform::DBusSingleInstance instance{host};
     platform::FileUserDefaultsProvider defaultsProvider{dispatch, host};
     support::NotificationCenter notifications;
@@ -55,8 +56,9 @@ struct FernwickApp::Backends {
 
 // The application's state and windows, in the order in which they come to life.
 struct FernwickApp::Scene {
-    explicit Scene(Backends& backends)
-        : defaults(backends.defaultsProvider.open(kDefaultsDomain)),
+    Scene(QApplication& application, Backends& backends)
+        : theme(application),
+          defaults(backends.defaultsProvider.open(kDefaultsDomain)),
           store(*defaults, backends.clock),
           tunnels({backends.dispatch, backends.clock, backends.processes, backends.host, *defaults,
                    backends.notifications, routing}),
@@ -64,9 +66,11 @@ struct FernwickApp::Scene {
           tags(*defaults),
           delegate(backends.dispatch, routing),
           windows(backends.dispatch, delegate),
-          mainWindow({store, tunnels, keys, tags, backends.notifications, backends.dispatch, backends.clock},
-                     routing, delegate, windows) {}
+          mainWindow(
+              {theme, store, tunnels, keys, tags, backends.notifications, backends.dispatch, backends.clock},
+              routing, delegate, windows) {}
 
+    Theme theme;
     std::unique_ptr<platform::UserDefaults> defaults;
     NoRouting routing;
     TunnelStore store;
@@ -89,8 +93,7 @@ int FernwickApp::run() {
     if (backends_->instance.claim() == platform::SingleInstance::Claim::second) {
         return EXIT_SUCCESS;
     }
-    applyTheme(application_);
-    scene_ = std::make_unique<Scene>(*backends_);
+    scene_ = std::make_unique<Scene>(application_, *backends_);
     const platform::TerminationSignals signals(backends_->dispatch, [this] { application_.quit(); });
     const auto reopened = backends_->instance.reopened.connect(
         [this] { scene_->delegate.applicationShouldHandleReopen(scene_->mainWindow.isVisible()); });

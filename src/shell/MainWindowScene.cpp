@@ -1,5 +1,6 @@
 #include "shell/MainWindowScene.h"
 
+#include <QCoreApplication>
 #include <QEvent>
 
 #include <utility>
@@ -15,6 +16,7 @@ MainWindowScene::~MainWindowScene() = default;
 void MainWindowScene::open() {
     if (!window_) {
         window_ = std::make_unique<MainWindow>(context_);
+        window_->onQuit = [] { QCoreApplication::quit(); };
         window_->installEventFilter(this);
     }
     makeKeyAndOrderFront(*window_);
