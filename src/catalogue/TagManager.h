@@ -28,7 +28,8 @@ public:
     // The tag with that id, or null. The pointer is good until the next change.
     [[nodiscard]] const TunnelTag* find(const support::Uuid& id) const;
 
-    // Writes the whole list and emits `changed`. A list that cannot be encoded is not written, and nobody is told.
+    // Writes the whole list and emits `changed`. A list that cannot be encoded is not written, and nobody is
+    // told.
     void save();
 
     // Emitted by every save.

@@ -12,6 +12,10 @@ namespace fernwick::platform {
 
 using Environment = std::map<std::string, std::string, std::less<>>;
 
+// The two signals that the application sends (POSIX signal numbers).
+inline constexpr int kSignalTerminate = 15;
+inline constexpr int kSignalKill = 9;
+
 struct LaunchError {
     int code = 0;            // the system's error number
     std::string description; // what a person reads, e.g. "No such file or directory"
@@ -35,9 +39,10 @@ struct ProcessHandlers {
     std::function<void(int status)> exit;
 };
 
-// One child process. Start it once; it reports its end exactly once. Standard input is the null device; standard
-// output is a pipe that is never read. The child inherits no other descriptor, and does not outlive the application.
-// Threads: made and launched on the main thread; the other operations may be called from any thread.
+// One child process. Start it once; it reports its end exactly once. Standard input is the null device;
+// standard output is a pipe that is never read. The child inherits no other descriptor, and does not outlive
+// the application. Threads: made and launched on the main thread; the other operations may be called from any
+// thread.
 class ChildProcess {
 public:
     // Destroying the handle neither stops the child nor waits for it; its handlers are still called.
@@ -65,7 +70,8 @@ public:
     // A child that is not started yet.
     [[nodiscard]] virtual std::shared_ptr<ChildProcess> makeChild() = 0;
 
-    // Sends a signal to a process id; a failure (no such process, not ours) has no consequence for anyone, and is dropped.
+    // Sends a signal to a process id; a failure (no such process, not ours) has no consequence for anyone, and
+    // is dropped.
     virtual void sendSignal(int pid, int signal) = 0;
 };
 

@@ -15,7 +15,7 @@ namespace fernwick::platform {
 struct CommandRequest {
     std::string executable; // absolute path
     std::vector<std::string> arguments;
-    std::optional<Environment> environment = std::nullopt;           // absent: the application's own
+    std::optional<Environment> environment = std::nullopt;             // absent: the application's own
     std::optional<std::chrono::milliseconds> timeLimit = std::nullopt; // absent: none
 };
 
@@ -29,8 +29,8 @@ class CommandRunner {
 public:
     virtual ~CommandRunner() = default;
 
-    // Runs the command with the null device as its standard input. Fails when it cannot be executed. A command that
-    // runs past its time limit is killed, and the result tells the signal.
+    // Runs the command with the null device as its standard input. Fails when it cannot be executed. A command
+    // that runs past its time limit is killed, and the result tells the signal.
     [[nodiscard]] virtual std::expected<CommandResult, LaunchError> run(const CommandRequest& request) = 0;
 };
 

@@ -41,8 +41,8 @@ class Dispatch {
 public:
     virtual ~Dispatch() = default;
 
-    // Queues work on the main thread, behind all that was queued before it; never runs it in place. Work that is
-    // still queued when the application ends is dropped.
+    // Queues work on the main thread, behind all that was queued before it; never runs it in place. Work that
+    // is still queued when the application ends is dropped.
     virtual void main(Work work) = 0;
 
     // Queues work on the main thread once `delay` has passed.

@@ -12,7 +12,8 @@
 
 namespace fernwick::platform {
 
-// Bytes that are shared, not copied: a stored list can be megabytes, and is handed to the thread that writes it.
+// Bytes that are shared, not copied: a stored list can be megabytes, and is handed to the thread that writes
+// it.
 class Data {
 public:
     Data() : bytes_(std::make_shared<const std::string>()) {}
@@ -30,7 +31,8 @@ using PropertyArray = std::vector<PropertyValue>;
 using PropertyDictionary = std::map<std::string, PropertyValue, std::less<>>;
 
 struct PropertyValue {
-    std::variant<bool, std::int64_t, double, std::string, Data, support::Date, PropertyArray, PropertyDictionary>
+    std::variant<bool, std::int64_t, double, std::string, Data, support::Date, PropertyArray,
+                 PropertyDictionary>
         value;
 
     bool operator==(const PropertyValue&) const = default;

@@ -20,8 +20,8 @@ public:
     // The value under the key, from memory.
     [[nodiscard]] virtual std::optional<PropertyValue> value(std::string_view key) const = 0;
 
-    // Replaces the value in memory at once; the file follows soon after, without the caller waiting for it. A write
-    // that fails is told on standard error and tried again with the next change.
+    // Replaces the value in memory at once; the file follows soon after, without the caller waiting for it. A
+    // write that fails is told on standard error and tried again with the next change.
     virtual void set(std::string_view key, PropertyValue value) = 0;
 
     // Takes the key out; does nothing if it is not there.
@@ -46,8 +46,8 @@ class UserDefaultsProvider {
 public:
     virtual ~UserDefaultsProvider() = default;
 
-    // A domain that has no file yet is empty. A file that cannot be read is told on standard error and set aside
-    // before anything is written in its place.
+    // A domain that has no file yet is empty. A file that cannot be read is told on standard error and set
+    // aside before anything is written in its place.
     [[nodiscard]] virtual std::unique_ptr<UserDefaults> open(std::string_view domain) = 0;
 };
 

@@ -7,12 +7,13 @@
 //         std::string name;
 //         bool operator==(const TunnelTag&) const = default;
 //         static constexpr auto fields() {
-//             return std::tuple{support::field("id", &TunnelTag::id), support::field("name", &TunnelTag::name)};
+//             return std::tuple{support::field("id", &TunnelTag::id), support::field("name",
+//             &TunnelTag::name)};
 //         }
 //     };
 //
-// An enumeration that is stored as text has, in its own namespace, an overload of `rawTexts` that lists its cases
-// in the order in which they are offered:
+// An enumeration that is stored as text has, in its own namespace, an overload of `rawTexts` that lists its
+// cases in the order in which they are offered:
 //
 //     constexpr auto rawTexts(AuthMethod) {
 //         return std::array{support::rawText(AuthMethod::password, "Password"), ...};

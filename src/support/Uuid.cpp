@@ -97,6 +97,10 @@ std::size_t std::hash<fernwick::support::Uuid>::operator()(const fernwick::suppo
     std::memcpy(halves.data(), uuid.bytes.data(), sizeof halves);
     // An identifier is mostly random already; the multiplication is for those that are made by hand.
     constexpr std::uint64_t kOddConstant = 0x9E3779B97F4A7C15U; // 2^64 divided by the golden ratio
-    const std::uint64_t mixed = (halves[0] ^ (halves[1] * kOddConstant)) * kOddConstant;
-    return static_cast<std::size_t>(mixed ^ (mixed >> 32U));
+    std::uint64_t hash = 0;
+    for (const auto half : halves) {
+        hash = (hash ^ half) * kOddConstant;
+        hash ^= hash >> 32U;
+    }
+    return static_cast<std::size_t>(hash);
 }

@@ -1,7 +1,6 @@
 // The owner of every running ssh child: starts and stops tunnels, knows their status and logs, decides when one
-// counts as up, and tells the routing layer which local ports are live. A status comes only from process facts: the
-// launch, a timer and the exit; what the child prints never changes it.
-// Threads: main thread only.
+// counts as up, and tells the routing layer which local ports are live. A status comes only from process facts:
+// the launch, a timer and the exit; what the child prints never changes it. Threads: main thread only.
 #pragma once
 
 #include "catalogue/TunnelStatus.h"
@@ -43,7 +42,8 @@ public:
     TunnelManager(const TunnelManager&) = delete;
     TunnelManager& operator=(const TunnelManager&) = delete;
 
-    // Starts a tunnel; does nothing while the manager holds a process for its id. The store outlives the manager.
+    // Starts a tunnel; does nothing while the manager holds a process for its id. The store outlives the
+    // manager.
     void connect(const Tunnel& tunnel, TunnelStore& store);
 
     // Stops a tunnel; safe for one that is not running.
@@ -67,8 +67,8 @@ public:
     [[nodiscard]] TunnelLogs& logs() { return logs_; }
     [[nodiscard]] const TunnelLogs& logs() const { return logs_; }
 
-    // Hands the live ports to the system's proxy settings on a background queue, with `id` and `port` added when
-    // both are given and the port is not empty.
+    // Hands the live ports to the system's proxy settings on a background queue, with `id` and `port` added
+    // when both are given and the port is not empty.
     void refreshSystemProxy(const std::optional<support::Uuid>& id, const std::optional<std::string>& port);
 
     // Hands the tunnels and live ports to the engine.

@@ -1,0 +1,108 @@
+#!/usr/bin/env python3
+"""Runs the benchmarks of the release build and prints their figures, each beside its baseline and its promise.
+
+bench.py [--check]: with --check a shorter run, and exit status 1 when a promise is broken.
+"""
+
+import json
+import pathlib
+import subprocess
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+BUILD = ROOT / "build" / "release"
+FRAME = 16.0  # milliseconds
+
+
+class Report:
+    """Lines of figures, and whether each promise was kept."""
+
+    def __init__(self) -> None:
+        self.broken: list[str] = []
+
+    def line(self, what: str, value: float, unit: str, limit: float, at_least: bool = False) -> None:
+        """Prints one figure with its promise, and remembers a broken one."""
+        kept = value >= limit if at_least else value <= limit
+        word = "at least" if at_least else "at most"
+        print(f"  {'ok ' if kept else 'BAD'}  {what:<62} {value:>10.2f} {unit:<3} ({word} {limit:g})")
+        if not kept:
+            self.broken.append(what)
+
+
+def google(name: str, check: bool, *arguments: str) -> dict[str, float]:
+    """The real time of each case of a Google Benchmark program, in milliseconds."""
+    command = [BUILD / "benchmarks" / f"fernwick_{name}_benchmark", "--benchmark_format=json", *arguments]
+    command.append(f"--benchmark_min_time={0.2 if check else 1}")
+    output = json.loads(subprocess.run(command, check=True, capture_output=True, text=True).stdout)
+    scale = {"ns": 1e-6, "us": 1e-3, "ms": 1.0}
+    return {
+        row["name"]: row["real_time"] * scale[row["time_unit"]]
+        for row in output["benchmarks"]
+        if row.get("run_type", "iteration") == "iteration"
+    }
+
+
+def coding(report: Report, check: bool) -> None:
+    """JSON in both directions, against the libraries' bare figures."""
+    print("Coding a catalogue of 10,000 tunnels")
+    times = google("coding", check, "--benchmark_filter=/(1000|10000)$" if check else "")
+    at = {name.split("/")[0]: ms for name, ms in times.items() if name.endswith("/10000")}
+    tenth = {name.split("/")[0]: ms for name, ms in times.items() if name.endswith("/1000")}
+    report.line("encode: speed against RapidJSON's writer", at["encodeRapidJson"] / at["encodeRecords"], "x", 1, True)
+    report.line("encode: speed against nlohmann's dump", at["encodeNlohmann"] / at["encodeRecords"], "x", 4, True)
+    report.line("decode: speed against nlohmann's bare parse", at["decodeNlohmann"] / at["decodeRecords"], "x", 5, True)
+    for name in ("encodeRecords", "decodeRecords"):
+        report.line(f"{name}: cost at ten times the size", at[name] / tenth[name], "x", 15)
+
+
+def filtering(report: Report, check: bool) -> None:
+    """One keystroke of the search."""
+    print("Filtering 10,000 tunnels, one keystroke")
+    for name, ms in google("filter", check).items():
+        report.line(name, ms, "ms", FRAME)
+
+
+def screens(report: Report, check: bool) -> None:
+    """What the window does with 10,000 tunnels."""
+    print("The sidebar with 10,000 tunnels")
+    for name, ms in google("screens", check).items():
+        report.line(name, ms, "ms", FRAME)
+
+
+def runtime(report: Report, _check: bool) -> None:
+    """The application under load, with real children."""
+    print("Under load, with the window open")
+    program = BUILD / "benchmarks" / "fernwick_runtime_benchmark"
+    figures = json.loads(subprocess.run([program], check=True, capture_output=True, text=True).stdout)
+    report.line("200 tunnels at once: all connected after", figures["connectAll"]["seconds"], "s", 2.0)
+    report.line("200 tunnels at once: longest turn", figures["connectAll"]["longestTurn"], "ms", 50)
+    report.line("100,000 lines of a child: longest turn", figures["flood"]["longestTurn"], "ms", 50)
+    report.line("100,000 lines of a child: lines kept", figures["flood"]["lines"], "", 500)
+    report.line("100,000 lines of a child: memory grown", figures["flood"]["grownKibibytes"] / 1024, "MiB", 12)
+    report.line("a keystroke among 10,000 tunnels: median", figures["keystroke"]["median"], "ms", FRAME)
+
+
+def start(report: Report, check: bool) -> None:
+    """From the start to a painted window, against the barest window of the same kind."""
+    print("Start to first painted window")
+    programs = [BUILD / "benchmarks" / "fernwick_bare_window", BUILD / "Fernwick"]
+    command = ["/usr/bin/python3", ROOT / "script" / "bench_start.py", "5" if check else "11", *programs]
+    figures = json.loads(subprocess.run(command, check=True, capture_output=True, text=True).stdout)
+    bare, ours = figures["fernwick_bare_window"], figures["Fernwick"]
+    print(f"       bare {bare['milliseconds']:.0f} ms, {bare['kibibytes'] / 1024:.0f} MiB;", end=" ")
+    print(f"Fernwick {ours['milliseconds']:.0f} ms, {ours['kibibytes'] / 1024:.0f} MiB")
+    report.line("time against a bare window", ours["milliseconds"] / bare["milliseconds"], "x", 1.5)
+    report.line("resident memory against a bare window", ours["kibibytes"] / bare["kibibytes"], "x", 1.5)
+
+
+def main(check: bool) -> int:
+    """Runs everything."""
+    report = Report()
+    for part in (coding, filtering, screens, runtime, start):
+        part(report, check)
+    print(f"promises broken: {', '.join(report.broken)}" if report.broken else "every promise kept")
+    return 1 if check and report.broken else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main("--check" in sys.argv[1:]))

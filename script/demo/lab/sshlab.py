@@ -1,0 +1,130 @@
+"""Private ssh servers with throw-away keys, an agent, and a web site that only their side knows by name."""
+
+from __future__ import annotations
+
+import os
+import pwd
+import shlex
+import signal
+import subprocess
+import sys
+from dataclasses import dataclass
+from pathlib import Path
+
+from lab import namespace, site
+from lab.session import Session, descendants, stop
+from lab.waiting import wait_until
+from lab.wire import free_port, listens
+
+JUMP = "fernwick-jump"
+_SITE_ADDRESS = "127.83.72.1"
+
+
+@dataclass
+class Server:
+    """One sshd on the loopback address; stop it, kill it, start it again on the same port."""
+
+    session: Session
+    folder: Path
+    port: int
+    authorized: Path
+    host_key: Path
+    process: subprocess.Popen[bytes] | None = None
+
+    def start(self) -> None:
+        """Starts the server and waits until it accepts connections."""
+        config = self.folder / "sshd_config"
+        config.write_text(
+            f"Port {self.port}\nListenAddress 127.0.0.1\nHostKey {self.host_key}\n"
+            f"PidFile {self.folder}/pid\nAuthorizedKeysFile {self.authorized}\n"
+            "StrictModes no\nUsePAM no\nPasswordAuthentication no\nKbdInteractiveAuthentication no\n"
+            "PermitRootLogin yes\nUseDNS no\nLogLevel VERBOSE\nPrintMotd no\n"
+            "MaxStartups 300:30:300\n")
+        inside = self.folder / "inside.sh"
+        inside.write_text(_inside_script(self.folder, config))
+        with open(self.folder / "log", "ab") as log:
+            self.process = self.session.start([*namespace.NESTED, "sh", inside], stderr=log)
+        wait_until(lambda: listens(self.port), f"the ssh server listens on port {self.port} ({self.log()[-400:]!r})")
+
+    def stop(self) -> None:
+        """Ends the listening server; logins that are under way go on."""
+        if self.process is not None:
+            stop(self.process)
+
+    def kill(self) -> None:
+        """Ends the server and every login on it at once, as a crash of the machine would."""
+        assert self.process is not None
+        for pid in [*descendants(self.process.pid), self.process.pid]:
+            os.kill(pid, signal.SIGKILL)
+        self.process.wait(5)
+
+    def log(self) -> str:
+        """What the server wrote so far."""
+        log = self.folder / "log"
+        return log.read_text(errors="replace") if log.exists() else ""
+
+
+class SshLab:
+    """A server, a second one to jump over, a user key, an agent that holds it, and the site behind them."""
+
+    def __init__(self, session: Session) -> None:
+        self.session = session
+        self.user = pwd.getpwuid(os.getuid()).pw_name
+        self.folder = session.root / "ssh"
+        self.folder.mkdir(mode=0o700)
+        self.key = self.make_key("id_ed25519")
+        self.host_key = self.make_key("host_ed25519")
+        self.authorized = self.folder / "authorized_keys"
+        self.authorized.write_text(self.key.with_suffix(".pub").read_text())
+        self.site_port = free_port(_SITE_ADDRESS)
+        start_site(session, self.site_port, _SITE_ADDRESS)
+        self.server = self._server("server")
+        self.jump = self._server("jump")
+        self._write_user_config()
+
+    def make_key(self, name: str) -> Path:
+        """A fresh key pair without a passphrase; the path of its private half."""
+        path = self.folder / name
+        subprocess.run(["ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-C", name, "-f", path], check=True)
+        return path
+
+    def start_agent(self) -> None:
+        """Starts an ssh-agent that holds the user key; programs started from now on find it."""
+        agent = self.session.run / "agent"
+        self.session.start(["ssh-agent", "-D", "-a", agent])
+        wait_until(agent.exists, "the ssh agent's socket appears")
+        self.session.environment["SSH_AUTH_SOCK"] = str(agent)
+        subprocess.run(["ssh-add", "-q", self.key], env=self.session.environment, check=True)
+
+    def _server(self, name: str) -> Server:
+        folder = self.folder / name
+        folder.mkdir()
+        (folder / "hosts").write_text(f"127.0.0.1 localhost\n{_SITE_ADDRESS} {site.NAME}\n")
+        (folder / "shadow").write_text(f"{self.user}:*:19000:0:99999:7:::\n")
+        server = Server(self.session, folder, free_port(), self.authorized, self.host_key)
+        server.start()
+        return server
+
+    def _write_user_config(self) -> None:
+        """A jump host named on the command line takes its settings from the configuration file only."""
+        (self.session.home / ".ssh/config").write_text(
+            f"Host {JUMP}\n    HostName 127.0.0.1\n    Port {self.jump.port}\n    User {self.user}\n"
+            f"    IdentityFile {self.key}\n    IdentityAgent none\n    StrictHostKeyChecking accept-new\n")
+
+
+def start_site(session: Session, port: int, address: str = "127.0.0.1") -> subprocess.Popen[bytes]:
+    """Starts a site in a process of its own and waits until it answers."""
+    child = session.start([sys.executable, site.__file__, address, str(port)])
+    wait_until(lambda: listens(port, address), f"the site answers on {address}:{port}")
+    return child
+
+
+def _inside_script(folder: Path, config: Path) -> str:
+    """What runs on the server's side: its own host names, and what sshd wants of a machine when it runs as root."""
+    at = shlex.quote(str(folder))
+    lines = ["set -e", f"mount --bind {at}/hosts /etc/hosts"]
+    if os.geteuid() == 0:
+        lines += ["mount -t tmpfs -o mode=755 tmpfs /run", "mkdir /run/sshd", f"chmod 600 {at}/shadow",
+                  f"mount --bind {at}/shadow /etc/shadow"]
+    return "\n".join([*lines, f"exec /usr/sbin/sshd -D -e -f {shlex.quote(str(config))}", ""])
+

@@ -1,0 +1,5 @@
+#include "shell/FernwickApp.h"
+
+int main(int argc, char** argv) {
+    return fernwick::FernwickApp::main(argc, argv);
+}

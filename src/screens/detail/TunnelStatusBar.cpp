@@ -1,0 +1,84 @@
+#include "screens/detail/TunnelStatusBar.h"
+
+#include "screens/detail/ConnectButton.h"
+#include "screens/detail/InfoPill.h"
+#include "screens/detail/StatusMark.h"
+#include "screens/theme/DisplayText.h"
+#include "screens/theme/Grid.h"
+#include "screens/theme/StatusColors.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+
+namespace fernwick {
+
+namespace {
+
+constexpr int kLongestPort = 32;
+
+QString portText(const std::string& port) {
+    return port.empty() ? QString() : QLatin1Char(':') + displayLine(port, kLongestPort);
+}
+
+} // namespace
+
+TunnelStatusBar::TunnelStatusBar(const Theme& theme, TunnelManager& manager, TunnelStore& store, QWidget* parent)
+    : QWidget(parent), theme_(theme), manager_(manager), store_(store), mark_(new StatusMark(theme, this)),
+      status_(new ElidedLabel(this)), localPort_(new InfoPill(theme, Icon::circleRight, this)),
+      remotePort_(new InfoPill(theme, Icon::server, this)), button_(new ConnectButton(theme, this)) {
+    setObjectName(QStringLiteral("tunnelStatusBar"));
+    status_->setObjectName(QStringLiteral("statusText"));
+    status_->setFont(theme.font(12, QFont::DemiBold));
+    localPort_->setObjectName(QStringLiteral("localPortPill"));
+    localPort_->setToolTip(QStringLiteral("Local Port"));
+    remotePort_->setObjectName(QStringLiteral("remotePortPill"));
+    remotePort_->setToolTip(QStringLiteral("Remote Port"));
+    connect(button_, &QPushButton::clicked, this, [this] { toggle(); });
+
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(grid::kMedium, grid::kMedium, grid::kMedium, grid::kMedium);
+    layout->setSpacing(grid::kSmall);
+    layout->addWidget(mark_);
+    layout->addSpacing(2);
+    layout->addWidget(status_, 1);
+    layout->addWidget(localPort_);
+    layout->addWidget(remotePort_);
+    layout->addSpacing(grid::kTight);
+    layout->addWidget(button_);
+}
+
+void TunnelStatusBar::setTunnel(const Tunnel& tunnel) {
+    tunnel_ = tunnel;
+    localPort_->setText(portText(tunnel.localPort));
+    remotePort_->setText(portText(tunnel.remotePort));
+    refreshStatus();
+}
+
+void TunnelStatusBar::refreshStatus() {
+    const auto status = manager_.status(tunnel_.id);
+    const QString text = displayLine(status.value_or(TunnelStatus::idle()).statusText());
+    QPalette palette;
+    palette.setColor(QPalette::WindowText, statusColor(status, theme_.colors()));
+    status_->setPalette(palette);
+    status_->setText(text);
+    status_->setToolTip(text.toHtmlEscaped());
+    mark_->setStatus(status);
+    button_->setStatus(status);
+}
+
+void TunnelStatusBar::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        refreshStatus();
+    }
+}
+
+void TunnelStatusBar::toggle() {
+    if (manager_.isActive(tunnel_.id)) {
+        manager_.disconnect(tunnel_.id);
+    } else {
+        manager_.connect(tunnel_, store_);
+    }
+}
+
+} // namespace fernwick

@@ -1,0 +1,34 @@
+// What the main window needs of the rest of the application; all of it outlives the window.
+#pragma once
+
+#include "catalogue/KeyManager.h"
+#include "catalogue/TagManager.h"
+#include "catalogue/TunnelStore.h"
+#include "platform/Clock.h"
+#include "platform/Dispatch.h"
+#include "screens/theme/Theme.h"
+#include "support/NotificationCenter.h"
+#include "tunnel/TunnelManager.h"
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace fernwick {
+
+struct MainWindowContext {
+    const Theme& theme;
+    TunnelStore& store;
+    TunnelManager& tunnels;
+    KeyManager& keys;
+    TagManager& tags;
+    support::NotificationCenter& notifications;
+    platform::Dispatch& dispatch;
+    const platform::Clock& clock;
+
+    // Shows the window of proxies and rules, given the id and name of every tunnel. May be empty: then nothing shows.
+    std::function<void(std::vector<std::pair<support::Uuid, std::string>>)> showProxyRules;
+};
+
+} // namespace fernwick

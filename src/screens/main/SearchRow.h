@@ -1,0 +1,38 @@
+// The sidebar's search: a magnifying glass, a plain field, and a button that empties it while it holds text.
+// Threads: main thread only.
+#pragma once
+
+#include "screens/theme/Theme.h"
+
+#include <QWidget>
+
+#include <functional>
+
+class QLineEdit;
+class QToolButton;
+
+namespace fernwick {
+
+class SearchRow final : public QWidget {
+public:
+    // `edited` is called with the text, as typed, after each change by the user.
+    SearchRow(const Theme& theme, std::function<void(const QString&)> edited, QWidget* parent);
+
+    // Shows the text without calling back.
+    void setText(const QString& text);
+
+    // Gives the field the keyboard and chooses its text.
+    void focusField();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    const Theme& theme_;
+    std::function<void(const QString&)> edited_;
+    QLineEdit* field_;
+    QToolButton* clear_;
+};
+
+} // namespace fernwick

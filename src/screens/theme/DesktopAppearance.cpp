@@ -1,0 +1,91 @@
+#include "screens/theme/DesktopAppearance.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+#include <QTimer>
+
+namespace fernwick {
+
+namespace {
+
+// Values of color-scheme by the portal's documentation; 0 is "no preference".
+constexpr uint kPreferDark = 1;
+constexpr uint kPreferLight = 2;
+
+QString portalService() {
+    return QStringLiteral("org.freedesktop.portal.Desktop");
+}
+
+QString portalPath() {
+    return QStringLiteral("/org/freedesktop/portal/desktop");
+}
+
+QString settingsInterface() {
+    return QStringLiteral("org.freedesktop.portal.Settings");
+}
+
+QString appearanceNamespace() {
+    return QStringLiteral("org.freedesktop.appearance");
+}
+
+QString colorSchemeKey() {
+    return QStringLiteral("color-scheme");
+}
+
+// The portal wraps the value in one variant more than it says.
+QVariant unwrapped(QVariant value) {
+    while (value.canConvert<QDBusVariant>()) {
+        value = value.value<QDBusVariant>().variant();
+    }
+    return value;
+}
+
+} // namespace
+
+DesktopAppearance::DesktopAppearance(std::function<void(Appearance)> report) : report_(std::move(report)) {
+    QTimer::singleShot(0, this, [this] { ask(); });
+}
+
+void DesktopAppearance::ask() {
+    // Without an address the bus library would start a bus of its own.
+    if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS")) {
+        return;
+    }
+    auto bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) {
+        return;
+    }
+    bus.connect(portalService(), portalPath(), settingsInterface(), QStringLiteral("SettingChanged"), this,
+                SLOT(settingChanged(QString, QString, QDBusVariant)));
+    auto call = QDBusMessage::createMethodCall(portalService(), portalPath(), settingsInterface(),
+                                               QStringLiteral("Read"));
+    call << appearanceNamespace() << colorSchemeKey();
+    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* done) {
+        const QDBusPendingReply<QDBusVariant> reply = *done;
+        if (reply.isValid()) {
+            tell(QVariant::fromValue(reply.value()));
+        }
+        done->deleteLater();
+    });
+}
+
+void DesktopAppearance::settingChanged(const QString& space, const QString& key, const QDBusVariant& value) {
+    if (space == appearanceNamespace() && key == colorSchemeKey()) {
+        tell(value.variant());
+    }
+}
+
+void DesktopAppearance::tell(const QVariant& value) const {
+    const uint scheme = unwrapped(value).toUInt();
+    if (scheme == kPreferDark) {
+        report_(Appearance::dark);
+    } else if (scheme == kPreferLight) {
+        report_(Appearance::light);
+    }
+}
+
+} // namespace fernwick

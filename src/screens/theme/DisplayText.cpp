@@ -1,0 +1,40 @@
+#include "screens/theme/DisplayText.h"
+
+#include <algorithm>
+
+namespace fernwick {
+
+namespace {
+
+bool turnsDirection(QChar character) {
+    const char16_t code = character.unicode();
+    return (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+}
+
+bool breaksLine(QChar character) {
+    const auto category = character.category();
+    return category == QChar::Other_Control || category == QChar::Separator_Line ||
+           category == QChar::Separator_Paragraph;
+}
+
+} // namespace
+
+QString displayLine(std::string_view utf8, qsizetype limit) {
+    // A character has at most four bytes, so what lies beyond them need not even be decoded.
+    const auto enough = static_cast<std::size_t>(4 * (limit + 1));
+    const bool cutBytes = utf8.size() > enough;
+    utf8 = utf8.substr(0, enough);
+    QString text = QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+    text.removeIf(turnsDirection);
+    std::ranges::replace_if(text, breaksLine, QChar(u' '));
+    if (cutBytes || text.size() > limit) {
+        text.truncate(limit);
+        if (!text.isEmpty() && text.back().isHighSurrogate()) {
+            text.chop(1);
+        }
+        text.append(QChar(u'\u2026'));
+    }
+    return text;
+}
+
+} // namespace fernwick

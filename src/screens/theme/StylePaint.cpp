@@ -1,0 +1,185 @@
+#include "screens/theme/StylePaint.h"
+
+#include "screens/theme/Grid.h"
+#include "screens/theme/Theme.h"
+
+#include <QPainter>
+#include <QStyleOption>
+
+namespace fernwick::stylepaint {
+
+namespace {
+
+constexpr double kHairline = 1.0;
+constexpr double kFocusWidth = 2.0;
+constexpr double kDisabledOpacity = 0.45;
+constexpr double kIndicatorRadius = 4.0;
+constexpr int kCheckSize = 14;
+
+bool has(const QStyleOption& option, QStyle::StateFlag flag) {
+    return option.state.testFlag(flag);
+}
+
+bool showsFocus(const QStyleOption& option) {
+    return has(option, QStyle::State_HasFocus) && has(option, QStyle::State_KeyboardFocusChange);
+}
+
+bool isFilled(ButtonRole role) {
+    return role == ButtonRole::prominent || role == ButtonRole::destructive;
+}
+
+// What lies over a ground while the pointer is on it or holds it down.
+QColor shade(const QStyleOption& option, const Palette& colors) {
+    if (!has(option, QStyle::State_Enabled)) {
+        return Qt::transparent;
+    }
+    if (has(option, QStyle::State_Sunken)) {
+        return colors.pressed;
+    }
+    return has(option, QStyle::State_MouseOver) ? colors.hover : QColor(Qt::transparent);
+}
+
+QColor filledGround(ButtonRole role, const Palette& colors) {
+    return role == ButtonRole::destructive ? colors.red : colors.accent;
+}
+
+} // namespace
+
+void roundedBox(QPainter& painter, const QRectF& area, const QColor& fill, const QColor& border, double radius) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(fill);
+    painter.setPen(border.alpha() > 0 ? QPen(border, kHairline) : QPen(Qt::NoPen));
+    const double inset = border.alpha() > 0 ? kHairline / 2 : 0.0;
+    painter.drawRoundedRect(area.adjusted(inset, inset, -inset, -inset), radius, radius);
+    painter.restore();
+}
+
+void focusRing(QPainter& painter, const QRectF& area, const QColor& color, double radius) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(color, kFocusWidth));
+    const double inset = kFocusWidth / 2;
+    painter.drawRoundedRect(area.adjusted(inset, inset, -inset, -inset), radius - inset, radius - inset);
+    painter.restore();
+}
+
+void buttonGround(QPainter& painter, const QStyleOption& option, ButtonRole role, const Palette& colors) {
+    painter.save();
+    const QRectF area(option.rect);
+    const bool enabled = has(option, QStyle::State_Enabled);
+    painter.setOpacity(enabled ? 1.0 : kDisabledOpacity);
+    if (isFilled(role)) {
+        roundedBox(painter, area, filledGround(role, colors), Qt::transparent, grid::kControlRadius);
+    } else if (role == ButtonRole::plain) {
+        roundedBox(painter, area, colors.control, colors.border, grid::kControlRadius);
+    }
+    roundedBox(painter, area, shade(option, colors), Qt::transparent, grid::kControlRadius);
+    if (showsFocus(option)) {
+        const bool filled = isFilled(role);
+        const double gap = filled ? 2.0 : 0.0;
+        focusRing(painter, area.adjusted(gap, gap, -gap, -gap), filled ? colors.onAccent : colors.accent,
+                  grid::kControlRadius - gap);
+    }
+    painter.restore();
+}
+
+void buttonLabel(QPainter& painter, const QStyleOptionButton& option, ButtonRole role, const Palette& colors) {
+    painter.save();
+    const bool enabled = has(option, QStyle::State_Enabled);
+    QColor color = isFilled(role) ? colors.onAccent : colors.text;
+    if (!enabled) {
+        color = withOpacity(color, isFilled(role) ? 0.8 : kDisabledOpacity);
+    }
+    constexpr int flags = Qt::AlignCenter | Qt::TextShowMnemonic;
+    QRect area = option.rect.adjusted(grid::kSmall, 0, -grid::kSmall, 0);
+    if (!option.icon.isNull()) {
+        const int side = option.iconSize.width();
+        const int gap = option.text.isEmpty() ? 0 : grid::kTight + 2;
+        const int width = side + gap + option.fontMetrics.size(Qt::TextShowMnemonic, option.text).width();
+        const int left = area.center().x() - width / 2;
+        option.icon.paint(&painter, QRect(left, area.center().y() - side / 2 + 1, side, side), Qt::AlignCenter,
+                          enabled ? QIcon::Normal : QIcon::Disabled);
+        area.setLeft(left + side + gap);
+        area.setRight(left + width + 1);
+    }
+    painter.setPen(color);
+    painter.drawText(area, flags, option.text);
+    painter.restore();
+}
+
+void toolButtonGround(QPainter& painter, const QStyleOption& option, const Palette& colors) {
+    const QRectF area(option.rect);
+    if (has(option, QStyle::State_On)) {
+        roundedBox(painter, area, colors.pressed, Qt::transparent, grid::kControlRadius);
+    }
+    roundedBox(painter, area, shade(option, colors), Qt::transparent, grid::kControlRadius);
+    if (showsFocus(option)) {
+        focusRing(painter, area, colors.accent, grid::kControlRadius);
+    }
+}
+
+void textField(QPainter& painter, const QStyleOption& option, const Palette& colors) {
+    const QRectF area(option.rect);
+    painter.save();
+    painter.setOpacity(has(option, QStyle::State_Enabled) ? 1.0 : kDisabledOpacity);
+    roundedBox(painter, area, colors.field, colors.border, grid::kControlRadius);
+    if (has(option, QStyle::State_HasFocus)) {
+        focusRing(painter, area, colors.accent, grid::kControlRadius);
+    }
+    painter.restore();
+}
+
+void checkBox(QPainter& painter, const QStyleOption& option, const Theme& theme) {
+    const Palette& colors = theme.colors();
+    const QRectF area(option.rect);
+    const bool on = has(option, QStyle::State_On) || has(option, QStyle::State_NoChange);
+    painter.save();
+    painter.setOpacity(has(option, QStyle::State_Enabled) ? 1.0 : kDisabledOpacity);
+    roundedBox(painter, area, on ? colors.accent : colors.field, on ? QColor(Qt::transparent) : colors.border,
+               kIndicatorRadius);
+    roundedBox(painter, area, shade(option, colors), Qt::transparent, kIndicatorRadius);
+    if (has(option, QStyle::State_NoChange)) {
+        painter.fillRect(QRectF(area.left() + 4, area.center().y() - 1, area.width() - 8, 2), colors.onAccent);
+    } else if (on) {
+        theme.icons().paint(painter, Icon::check, colors.onAccent, area, kCheckSize);
+    }
+    painter.restore();
+}
+
+void radioButton(QPainter& painter, const QStyleOption& option, const Palette& colors) {
+    const QRectF area(option.rect);
+    const bool on = has(option, QStyle::State_On);
+    painter.save();
+    painter.setOpacity(has(option, QStyle::State_Enabled) ? 1.0 : kDisabledOpacity);
+    roundedBox(painter, area, on ? colors.accent : colors.field, on ? QColor(Qt::transparent) : colors.border,
+               area.height() / 2);
+    if (on) {
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(colors.onAccent);
+        painter.drawEllipse(area.center(), area.width() / 5, area.width() / 5);
+    }
+    painter.restore();
+}
+
+void comboBox(QPainter& painter, const QStyleOptionComboBox& option, const Theme& theme) {
+    const Palette& colors = theme.colors();
+    const QRectF area(option.rect);
+    painter.save();
+    painter.setOpacity(has(option, QStyle::State_Enabled) ? 1.0 : kDisabledOpacity);
+    roundedBox(painter, area, option.editable ? colors.field : colors.control, colors.border,
+               grid::kControlRadius);
+    roundedBox(painter, area, shade(option, colors), Qt::transparent, grid::kControlRadius);
+    if (has(option, QStyle::State_HasFocus) && (option.editable || showsFocus(option))) {
+        focusRing(painter, area, colors.accent, grid::kControlRadius);
+    }
+    const bool mirrored = option.direction == Qt::RightToLeft;
+    const QRectF arrow(mirrored ? area.left() : area.right() - grid::kExtraLarge, area.top(), grid::kExtraLarge,
+                       area.height());
+    theme.icons().paint(painter, Icon::chevronDown, colors.secondary, arrow, kCheckSize);
+    painter.restore();
+}
+
+} // namespace fernwick::stylepaint

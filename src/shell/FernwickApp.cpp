@@ -1,0 +1,123 @@
+#include "shell/FernwickApp.h"
+
+#include "catalogue/KeyManager.h"
+#include "catalogue/TagManager.h"
+#include "catalogue/TunnelStore.h"
+#include "platform/AppNotifications.h"
+#include "platform/posix/FileUserDefaults.h"
+#include "platform/posix/PosixHostEnvironment.h"
+#include "platform/posix/PosixProcesses.h"
+#include "platform/posix/SystemClock.h"
+#include "platform/posix/TerminationSignals.h"
+#include "platform/qt/DBusSingleInstance.h"
+#include "platform/qt/QtDispatch.h"
+#include "screens/theme/Theme.h"
+#include "shell/AppDelegate.h"
+#include "shell/MainWindowScene.h"
+#include "shell/WindowManager.h"
+#include "support/NotificationCenter.h"
+#include "tunnel/RoutingLayer.h"
+#include "tunnel/TunnelManager.h"
+
+#include <QApplication>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace fernwick {
+
+namespace {
+
+constexpr std::string_view kDefaultsDomain = "com.fernwick.Fernwick";
+
+// Qt aborts the process when it can open no display; a person is better served by a sentence.
+void explainMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
+    std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
+    if (type == QtFatalMsg) {
+        std::fputs("Fernwick: no display could be opened. Start it in a desktop session, or set DISPLAY.\n",
+                   stderr);
+        std::_Exit(EXIT_FAILURE);
+    }
+}
+
+} // namespace
+
+// What is asked of the operating system; it stands before any store reads the preferences.
+struct FernwickApp::Backends {
+    platform::SystemClock clock;
+    platform::PosixHostEnvironment host;
+    platform::QtDispatch dispatch;
+    platform::ChildLauncher launcher;
+    platform::PosixProcesses processes{dispatch, launcher};
+    platform::DBusSingleInstance instance{host};
+    platform::FileUserDefaultsProvider defaultsProvider{dispatch, host};
+    support::NotificationCenter notifications;
+};
+
+// The application's state and windows, in the order in which they come to life.
+struct FernwickApp::Scene {
+    Scene(QApplication& application, Backends& backends)
+        : theme(application),
+          defaults(backends.defaultsProvider.open(kDefaultsDomain)),
+          store(*defaults, backends.clock),
+          tunnels({backends.dispatch, backends.clock, backends.processes, backends.host, *defaults,
+                   backends.notifications, routing}),
+          keys(*defaults),
+          tags(*defaults),
+          delegate(backends.dispatch, routing),
+          windows(backends.dispatch, delegate),
+          mainWindow(
+              {theme, store, tunnels, keys, tags, backends.notifications, backends.dispatch, backends.clock},
+              routing, delegate, windows) {}
+
+    Theme theme;
+    std::unique_ptr<platform::UserDefaults> defaults;
+    NoRouting routing;
+    TunnelStore store;
+    TunnelManager tunnels;
+    KeyManager keys;
+    TagManager tags;
+    AppDelegate delegate;
+    WindowManager windows;
+    MainWindowScene mainWindow;
+};
+
+FernwickApp::FernwickApp(QApplication& application)
+    : application_(application), backends_(std::make_unique<Backends>()) {
+    application_.setQuitOnLastWindowClosed(false);
+}
+
+FernwickApp::~FernwickApp() = default;
+
+int FernwickApp::run() {
+    if (backends_->instance.claim() == platform::SingleInstance::Claim::second) {
+        return EXIT_SUCCESS;
+    }
+    scene_ = std::make_unique<Scene>(application_, *backends_);
+    const platform::TerminationSignals signals(backends_->dispatch, [this] { application_.quit(); });
+    const auto reopened = backends_->instance.reopened.connect(
+        [this] { scene_->delegate.applicationShouldHandleReopen(scene_->mainWindow.isVisible()); });
+    QObject::connect(&application_, &QCoreApplication::aboutToQuit, &application_, [this] { terminate(); });
+    scene_->delegate.applicationDidFinishLaunching();
+    scene_->mainWindow.open();
+    const int status = QApplication::exec();
+    scene_.reset();
+    return status;
+}
+
+void FernwickApp::terminate() {
+    backends_->notifications.post(platform::kApplicationWillTerminate);
+    scene_->delegate.applicationWillTerminate();
+}
+
+int FernwickApp::main(int argc, char** argv) {
+    QCoreApplication::setApplicationName(QStringLiteral("Fernwick"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(FERNWICK_VERSION));
+    QGuiApplication::setDesktopFileName(QStringLiteral("com.fernwick.Fernwick"));
+    const auto previous = qInstallMessageHandler(explainMissingDisplay);
+    QApplication application(argc, argv);
+    qInstallMessageHandler(previous);
+    return FernwickApp(application).run();
+}
+
+} // namespace fernwick

@@ -1,0 +1,251 @@
+#include "tunnel/TunnelManager.h"
+
+#include "platform/AppNotifications.h"
+#include "tunnel/StandardErrorLines.h"
+
+#include <fmt/format.h>
+
+#include <utility>
+
+namespace fernwick {
+
+namespace {
+
+// How long a child that was asked to end may take before it is killed.
+constexpr platform::Duration kKillDelay{1000};
+
+std::string_view exitReason(int status) {
+    switch (status) {
+    case 255:
+        return " — Network error or host unreachable";
+    case 1:
+        return " — General SSH error";
+    case 130:
+        return " — Interrupted";
+    default:
+        return "";
+    }
+}
+
+} // namespace
+
+TunnelManager::TunnelManager(TunnelServices services)
+    : services_(services),
+      logs_(services.dispatch, services.clock),
+      launcher_(services.host, services.defaults, logs_),
+      self_(*this) {
+    services_.routing.startPacServer();
+    willTerminate_ =
+        services_.notifications.observe(platform::kApplicationWillTerminate, [this] { killAllOnQuit(); });
+}
+
+std::optional<TunnelStatus> TunnelManager::status(const support::Uuid& id) const {
+    const auto found = statuses_.find(id);
+    return found != statuses_.end() ? std::optional(found->second) : std::nullopt;
+}
+
+bool TunnelManager::isActive(const support::Uuid& id) const {
+    const auto found = statuses_.find(id);
+    return found != statuses_.end() && found->second.isActive();
+}
+
+std::shared_ptr<platform::ChildProcess> TunnelManager::activeProcess(const support::Uuid& id) const {
+    const auto found = activeProcesses_.find(id);
+    return found != activeProcesses_.end() ? found->second : nullptr;
+}
+
+void TunnelManager::updateStatus(TunnelStatus status, const support::Uuid& id) {
+    services_.dispatch.main([weak = self_.weak(), status = std::move(status), id]() mutable {
+        if (auto* manager = weak.get()) {
+            manager->statuses_.insert_or_assign(id, std::move(status));
+            manager->statusChanged.emit(id);
+        }
+    });
+}
+
+void TunnelManager::connect(const Tunnel& tunnel, TunnelStore& store) {
+    if (activeProcesses_.contains(tunnel.id)) {
+        return;
+    }
+    // The placeholder closes the gap in which a second connect could slip in before the launch.
+    const auto placeholder = services_.processes.makeChild();
+    activeProcesses_.emplace(tunnel.id, placeholder);
+    updateStatus(TunnelStatus::connecting(), tunnel.id);
+    logs_.add(LogLevel::info,
+              fmt::format("Connecting to {}@{}:{}...", tunnel.user, tunnel.host, tunnel.sshPort), tunnel.id);
+    if (tunnel.localPort.empty()) {
+        launchProcess(tunnel, store);
+        return;
+    }
+    services_.dispatch.main([weak = self_.weak(), tunnel, placeholder, &store] {
+        auto* manager = weak.get();
+        // A stop in the meantime took the placeholder away, and with it the launch.
+        if (manager != nullptr && manager->activeProcess(tunnel.id) == placeholder) {
+            manager->launchProcess(tunnel, store);
+        }
+    });
+}
+
+void TunnelManager::launchProcess(const Tunnel& tunnel, TunnelStore& store) {
+    auto process = services_.processes.makeChild();
+    const auto launched = process->launch(launcher_.compose(tunnel), childHandlers(tunnel, store));
+    if (!launched) {
+        launchFailed(launched.error(), tunnel.id, store);
+        return;
+    }
+    logs_.add(LogLevel::info, fmt::format("SSH process started (PID: {})", process->pid()), tunnel.id);
+    activeProcesses_.insert_or_assign(tunnel.id, std::move(process));
+    services_.dispatch.mainAfter(kConfirmDelay, [weak = self_.weak(), tunnel, &store] {
+        if (auto* manager = weak.get()) {
+            manager->confirmConnected(tunnel, store);
+        }
+    });
+}
+
+void TunnelManager::launchFailed(const platform::LaunchError& error, const support::Uuid& id,
+                                 TunnelStore& store) {
+    activeProcesses_.erase(id);
+    logs_.add(LogLevel::error, "Failed to launch SSH: " + error.description, id);
+    updateStatus(TunnelStatus::error(error.description), id);
+    store.announceChange();
+}
+
+platform::ProcessHandlers TunnelManager::childHandlers(const Tunnel& tunnel, TunnelStore& store) {
+    auto& dispatch = services_.dispatch;
+    const auto weak = self_.weak();
+    return {.standardError =
+                [&dispatch, weak, id = tunnel.id](const std::string& bytes) {
+                    auto lines = standardErrorLines(bytes);
+                    if (lines.empty()) {
+                        return;
+                    }
+                    dispatch.main([weak, id, lines = std::move(lines)]() mutable {
+                        auto* manager = weak.get();
+                        for (auto& line : lines) {
+                            if (manager != nullptr) {
+                                manager->logs_.append(standardErrorLevel(line), std::move(line), id);
+                            }
+                        }
+                    });
+                },
+            .exit =
+                [&dispatch, weak, tunnel, &store](int status) {
+                    dispatch.main([weak, status, tunnel, &store] {
+                        if (auto* manager = weak.get()) {
+                            manager->handleTermination(status, tunnel, store);
+                        }
+                    });
+                }};
+}
+
+void TunnelManager::confirmConnected(Tunnel tunnel, TunnelStore& store) {
+    // Only the id is compared, not which process stands under it.
+    if (!activeProcesses_.contains(tunnel.id)) {
+        return;
+    }
+    updateStatus(TunnelStatus::connected(), tunnel.id);
+    logs_.add(LogLevel::success, fmt::format("Tunnel is up localhost:{} -> {}", tunnel.localPort, tunnel.host),
+              tunnel.id);
+    if (!tunnel.localPort.empty()) {
+        tunnelPortMap_.insert_or_assign(tunnel.id, tunnel.localPort);
+    }
+    refreshSystemProxy(tunnel.id, tunnel.localPort);
+    refreshClashRules();
+    tunnel.lastConnectedAt = services_.clock.now();
+    store.update(tunnel);
+}
+
+void TunnelManager::handleTermination(int status, const Tunnel& tunnel, TunnelStore& store) {
+    // Whichever process stands there: after a stop and an immediate start it is the new one, and that race is
+    // accepted.
+    activeProcesses_.erase(tunnel.id);
+    const auto current = this->status(tunnel.id);
+    if (current && current->kind() == TunnelStatus::Kind::idle) {
+        return;
+    }
+    logs_.add(status == 0 ? LogLevel::info : LogLevel::error,
+              fmt::format("Process exited (code: {}){}", status, exitReason(status)), tunnel.id);
+    tunnelPortMap_.erase(tunnel.id);
+    refreshSystemProxy(std::nullopt, std::nullopt);
+    updateStatus(TunnelStatus::disconnected(), tunnel.id);
+    store.announceChange();
+}
+
+void TunnelManager::disconnect(const support::Uuid& id) {
+    updateStatus(TunnelStatus::idle(), id);
+    stopProcess(id);
+    tunnelPortMap_.erase(id);
+    refreshClashRules();
+    if (!tunnelPortMap_.empty()) {
+        refreshSystemProxy(std::nullopt, std::nullopt);
+        return;
+    }
+    auto& routing = services_.routing;
+    services_.dispatch.global(platform::Priority::userInitiated,
+                              [&routing] { routing.removeAllProxy("No active tunnels", false); });
+    // Written for any tunnel stopped while none is live, even for one that never ran.
+    logs_.add(LogLevel::info, "🔴 System proxy đã tắt (không còn tunnel nào active)", id);
+}
+
+void TunnelManager::stopProcess(const support::Uuid& id) {
+    const auto process = activeProcess(id);
+    if (!process) {
+        return;
+    }
+    const int pid = process->pid();
+    activeProcesses_.erase(id);
+    process->terminate();
+    auto& processes = services_.processes;
+    services_.dispatch.globalAfter(
+        platform::Priority::normal, kKillDelay,
+        [weak = self_.weak(), &dispatch = services_.dispatch, &processes, process, pid, id] {
+            if (process->isRunning()) {
+                processes.sendSignal(pid, platform::kSignalKill);
+            }
+            // Once more on purpose, whatever the test above said.
+            if (pid >= 1) {
+                processes.sendSignal(pid, platform::kSignalKill);
+            }
+            dispatch.main([weak, pid, id] {
+                if (auto* manager = weak.get()) {
+                    manager->logs_.append(LogLevel::info, fmt::format("■ Tunnel stopped (PID: {})", pid), id);
+                }
+            });
+        });
+}
+
+void TunnelManager::killAllOnQuit() {
+    for (const auto& [id, process] : activeProcesses_) {
+        const int pid = process->pid();
+        process->terminate();
+        if (pid >= 1) {
+            services_.processes.sendSignal(pid, platform::kSignalKill);
+        }
+    }
+    activeProcesses_.clear();
+    tunnelPortMap_.clear();
+}
+
+void TunnelManager::refreshSystemProxy(const std::optional<support::Uuid>& id,
+                                       const std::optional<std::string>& port) {
+    auto ports = tunnelPortMap_;
+    if (id && port && !port->empty()) {
+        ports.insert_or_assign(*id, *port);
+    }
+    auto& routing = services_.routing;
+    services_.dispatch.global(platform::Priority::background, [&routing, ports = std::move(ports)]() mutable {
+        routing.applySystemProxy(std::move(ports));
+    });
+}
+
+void TunnelManager::refreshClashRules() {
+    auto* store = services_.routing.tunnelStore();
+    auto tunnels = store != nullptr ? store->tunnels() : std::vector<Tunnel>();
+    services_.dispatch.main([weak = self_.weak(), tunnels = std::move(tunnels)]() mutable {
+        if (auto* manager = weak.get()) {
+            manager->services_.routing.scheduleRebuild(std::move(tunnels), manager->tunnelPortMap_);
+        }
+    });
+}
+
+} // namespace fernwick

@@ -1,0 +1,51 @@
+#!/usr/bin/env bash
+# Tries the promises of the README on a machine that has nothing but Debian 12 and git: clones HEAD into a fresh root
+# and runs the demo and all tests there. Needs root and debootstrap; the root in FOLDER is kept and used again.
+#
+#   tests/system/fresh_machine.sh FOLDER [COMMAND ...]
+set -euo pipefail
+
+[ $# -ge 1 ] || { sed -n '2,5s/^# \{0,1\}//p' "$0"; exit 2; }
+[ "$(id -u)" -eq 0 ] || { echo "error: root is needed to make another root" >&2; exit 1; }
+repository=$(git -C "$(dirname "$0")" rev-parse --show-toplevel)
+mkdir -p "$1"
+machine=$(realpath "$1")
+shift
+[ $# -gt 0 ] || set -- bash -c 'time script/run --demo --once && time script/test'
+
+say() { printf '\033[1m==> %s\033[0m\n' "$*"; }
+
+if [ ! -e "$machine/etc/fresh-machine" ]; then
+  say "Installing Debian 12 into $machine"
+  debootstrap --variant=minbase --include=git,ca-certificates bookworm "$machine" >"$machine.log" 2>&1 ||
+    { tail -n 20 "$machine.log" >&2; exit 1; }
+  touch "$machine/etc/fresh-machine"
+fi
+
+say "Cloning $(git -C "$repository" log -1 --format='%h %s')"
+rm -rf "$machine/root/fernwick"
+git clone --quiet "file://$repository" "$machine/root/fernwick"
+
+# Packages come from where this machine gets its own: its sources, its proxy, its name server.
+rm -f "$machine/etc/apt/sources.list"
+for name in sources.list sources.list.d apt.conf.d; do
+  [ ! -e "/etc/apt/$name" ] || cp -rL --no-preserve=ownership "/etc/apt/$name" "$machine/etc/apt/"
+done
+cp -L /etc/resolv.conf "$machine/etc/resolv.conf"
+printf '#!/bin/sh\nexit 101\n' >"$machine/usr/sbin/policy-rc.d" # no package starts a service
+chmod +x "$machine/usr/sbin/policy-rc.d"
+
+say "Running in it: $*"
+export machine
+exec unshare --mount --pid --fork --kill-child --propagation private -- bash -c '
+  set -e
+  mount -t proc proc "$machine/proc"
+  mount -t sysfs -o ro sysfs "$machine/sys"
+  mount --rbind /dev "$machine/dev"
+  mount -t tmpfs -o mode=755 tmpfs "$machine/run"
+  mount -t tmpfs -o mode=1777 tmpfs "$machine/tmp"
+  exec chroot "$machine" env -i PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
+    HOME=/root USER=root LC_ALL=C.UTF-8 TERM="${TERM:-dumb}" \
+    ${http_proxy:+http_proxy="$http_proxy"} ${https_proxy:+https_proxy="$https_proxy"} \
+    sh -c '\''cd /root/fernwick && exec "$@"'\'' sh "$@"
+' bash "$@"
