@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import json
 import os
 import plistlib
 from pathlib import Path
@@ -17,7 +18,8 @@ class Texts(SystemTest):
 
     def test_stored_texts_survive_a_start(self) -> None:
         odd = [stored.tunnel("", host="", user=""), stored.tunnel("x" * 10_000, localPort="eighty", sshPort="-1"),
-               stored.tunnel("שלום עולם", user="مستخدم"), stored.tunnel("👩‍👩‍👧‍👦 🏳️‍🌈 e\u0301", notes="line\nline\ttab"),
+               stored.tunnel("שלום עולם", user="مستخدم"),
+               stored.tunnel("👩‍👩‍👧‍👦 🏳️‍🌈 e\u0301", notes="line\nline\ttab"),
                stored.tunnel("\u202eright to left override", keepAliveInterval=2**63 - 1),
                stored.tunnel("zero\u0000byte \u0001\u001b[31m", remoteHost="\u2028")]
         app = self.start(*odd)
@@ -27,28 +29,25 @@ class Texts(SystemTest):
         self.assertEqual(self.preferences.tunnels(), odd)
 
     def test_typed_texts_are_stored_as_typed(self) -> None:
-        app = self.start(stored.tunnel("Start"))
-        app.select("Start")
-        texts = ["n" * 10_000, "عربي עברית", "👩‍👩‍👧‍👦🇩🇪", "  blanks  ", "\"quotes\" \\ 'and' $(words) `x` %n", ""]
-        for text in texts:
+        app = self.start()
+        texts = ["n" * 10_000, "عربي עברית", "👩‍👩‍👧‍👦🇩🇪", "  blanks  ", "\"quotes\" \\ 'and' $(words) `x` %n", "a, b, c"]
+        for count, text in enumerate(texts, 1):
             with self.subTest(text=text[:20]):
-                app.type("Tunnel Name", text)
-                wait_until(lambda: self.preferences.tunnels()[0]["name"] == text, "the name is stored")
+                app.create(name=text, host=text, user=text, port=text)
+                wait_until(lambda count=count: len(self.preferences.tunnels()) == count, "the tunnel is stored")
+                last = self.preferences.tunnels()[-1]
+                self.assertEqual([last[key] for key in ("name", "host", "user", "localPort")], [text] * 4)
 
-    def test_control_characters_in_a_field_do_no_harm(self) -> None:
-        app = self.start(stored.tunnel("Start"))
-        app.select("Start")
-        app.type("Username", "a\u0001b\u001bc\u007fd\ne")
-        wait_until(lambda: self.preferences.tunnels()[0]["user"] != "nobody", "something is stored")
-        shown = text_of(app.find("Username", "text"))
-        self.assertEqual(self.preferences.tunnels()[0]["user"], shown)
-
-    def test_words_for_ports_are_kept(self) -> None:
-        app = self.start(stored.tunnel("Ports"))
-        app.select("Ports")
-        for field, key in (("SSH Port", "sshPort"), ("Local Port", "localPort"), ("Remote Port", "remotePort")):
-            app.type(field, "eighty; rm -rf")
-            wait_until(lambda key=key: self.preferences.tunnels()[0][key] == "eighty; rm -rf", f"{key} is stored")
+    def test_control_characters_in_a_field_are_stored_as_shown(self) -> None:
+        app = self.start()
+        app.press("Add new tunnel")
+        for field, text in (("Tunnel Name", "a\u0001b\u001bc\u007fd\ne"), ("Host / IP", "h\u2028h"), ("Username", "u\tu")):
+            app.type(field, text)
+        shown = [text_of(app.find(field, "text")) for field in ("Tunnel Name", "Host / IP", "Username")]
+        app.press("Create Tunnel")
+        wait_until(self.preferences.tunnels, "the tunnel is stored")
+        self.assertEqual([self.preferences.tunnels()[0][key] for key in ("name", "host", "user")], shown)
+        self.assertTrue(app.running())
 
 
 class Files(SystemTest):
@@ -80,10 +79,7 @@ class Files(SystemTest):
     def test_other_keys_are_kept(self) -> None:
         self.preferences.path.write_bytes(plistlib.dumps({"other": [1, {"a": b"\0"}], stored.TUNNELS: b"[]"}))
         app = self.start_as_is()
-        app.press("Create New Tunnel")
-        app.type("Host / IP", "h")
-        app.type("Username", "u")
-        app.press("Create Tunnel")
+        app.create(host="h", user="u")
         wait_until(lambda: len(self.preferences.tunnels()) == 1, "the tunnel is stored")
         self.assertEqual(self.preferences.read()["other"], [1, {"a": b"\0"}])
 
@@ -120,28 +116,25 @@ class Files(SystemTest):
         self.addCleanup(self.session.config.chmod, 0o755)
         app = self.start_as_is()
         self.assert_starts_with(app, "Kept")
-        app.select("Kept")
-        app.type("Tunnel Name", "Changed")
-        self.assert_starts_with(app, "Changed")
+        app.create(name="New", host="h", user="u")
+        self.assert_starts_with(app, "Kept", "New")
         wait_until(lambda: str(self.preferences.path) in app.stderr(), "the failure is told")
         self.assertEqual(app.quit(), 0)
         self.assertEqual(self.preferences.path.read_bytes(), content)
 
     def test_full_disk_keeps_the_old_file(self) -> None:
-        self.preferences.seed(**{stored.TUNNELS: [stored.tunnel("Kept")]})
-        content = self.preferences.path.read_bytes()
-        config = self.session.config
-        app = self.start_as_is(mounts=[f"cp {self.preferences.path} {self.session.root}/saved",
-                                       f"mount -t tmpfs -o size=8k,mode=755 tmpfs {config}",
-                                       f"cp {self.session.root}/saved {self.preferences.path}"])
+        self.preferences.seed(**{stored.TUNNELS: [stored.tunnel("Kept", notes="x" * 8000)]})
+        path, saved = self.preferences.path, self.session.root / "saved"
+        app = self.start_as_is(mounts=[f"cp {path} {saved}",
+                                       f"mount -t tmpfs -o size=28k,mode=755 tmpfs {self.session.config}",
+                                       f"cp {saved} {path}"])
         self.assert_starts_with(app, "Kept")
-        app.select("Kept")
-        app.type("Tunnel Name", "x" * 20_000)
-        wait_until(lambda: str(self.preferences.path) in app.stderr(), "the failure is told")
-        inside = Path(f"/proc/{app.pid}/root{self.preferences.path}")
-        self.assertEqual(plistlib.loads(inside.read_bytes()).keys() & {stored.TUNNELS}, {stored.TUNNELS})
+        app.choose(app.row("Kept"), "Duplicate")
+        self.assert_starts_with(app, "Kept", "Kept Copy")
+        wait_until(lambda: str(path) in app.stderr(), "the failure is told")
+        inside = plistlib.loads(Path(f"/proc/{app.pid}/root{path}").read_bytes())
+        self.assertEqual([record["name"] for record in json.loads(inside[stored.TUNNELS])], ["Kept"])
         self.assertTrue(app.running())
-        self.assertEqual(self.preferences.path.read_bytes(), content)
 
 
 class Machines(SystemTest):

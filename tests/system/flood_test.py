@@ -37,10 +37,9 @@ class Flood(SystemTest):
         app = self.begin(self.program("flood", f"seq -f 'debug1: line %.0f' {LINES} >&2", "exec sleep 600"),
                          stored.tunnel("Flood"))
         app.select("Flood")
-        app.show_tab("Logs")
         before, began, slowest = resident(app.pid), time.monotonic(), 0.0
         app.press("Connect")
-        while not app.has("500 entries") or f"debug1: line {LINES}" not in app.log_texts():
+        while not app.has("500 entries") or f"debug1: line {LINES}" not in app.log():
             asked = time.monotonic()
             app.root.get_child_at_index(0).get_name()
             slowest = max(slowest, time.monotonic() - asked)
@@ -69,7 +68,8 @@ class Flood(SystemTest):
         app.start_all(TUNNELS)
         wait_until(lambda: len(app.children("sleep")) == TUNNELS, "all children are there", 20)
         launched = time.monotonic() - began
-        wait_until(lambda: sum("lastConnectedAt" in t for t in self.preferences.tunnels()) == TUNNELS, "all connect", 20)
+        wait_until(lambda: sum("lastConnectedAt" in record for record in self.preferences.tunnels()) == TUNNELS,
+                   "all connect", 20)
         connected = time.monotonic() - began
         print(f"{TUNNELS} tunnels: children after {launched:.2f} s, connected after {connected:.2f} s")
         self.assertLess(connected, launched + CONNECTED_WITHIN + SLACK)

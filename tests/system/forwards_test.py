@@ -48,7 +48,8 @@ class Forwards(SshTest):
 
     def test_remote_forward_leads_back_to_this_side(self) -> None:
         here, there = free_port(), free_port()
-        app = self.connected(self.tunnel("Remote", tunnelType=stored.REMOTE, localPort=str(here), remotePort=str(there)))
+        record = self.tunnel("Remote", tunnelType=stored.REMOTE, localPort=str(here), remotePort=str(there))
+        app = self.connected(record)
         start_site(self.session, here)
         self.assertTrue(listens(there))
         self.assertEqual(fetch(there, site.NAME), site.GREETING.encode())

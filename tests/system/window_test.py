@@ -6,7 +6,7 @@ import signal
 import subprocess
 
 from harness import SystemTest, main, stored, wait_until
-from lab.app import App, act, enabled, program, text_of
+from lab.app import App, act, enabled, program
 
 BUS_NAME, BUS_PATH = "com.fernwick.Fernwick", "/com/fernwick/Fernwick"
 
@@ -34,11 +34,7 @@ class Sidebar(SystemTest):
 
     def test_created_tunnel_is_selected_and_stored(self) -> None:
         app = self.start(stored.tunnel("First"))
-        app.press("Add new tunnel")
-        for field, text in (("Tunnel Name", "Häuser 🏠"), ("Host / IP", "example.com"), ("Username", "ubuntu"),
-                            ("Local Port", "8080")):
-            app.type(field, text)
-        app.press("Create Tunnel")
+        app.create(name="Häuser 🏠", host="example.com", user="ubuntu", port="8080")
         self.assert_shows(app, "First", "Häuser 🏠")
         self.assert_stored("First", "Häuser 🏠")
         app.find("Connect")
@@ -74,8 +70,8 @@ class Sidebar(SystemTest):
     def test_search_looks_at_name_host_and_user_only(self) -> None:
         app = self.start(stored.tunnel("Alpha", host="one.example", user="Ubuntu", notes="needle"),
                          stored.tunnel("Beta", host="two.example", user="root", localPort="4711"))
-        for text, names in (("ALPHA", ["Alpha"]), ("two.", ["Beta"]), ("ubuntu", ["Alpha"]), ("example", ["Alpha", "Beta"]),
-                            ("needle", []), ("4711", []), (" ", [])):
+        for text, names in (("ALPHA", ["Alpha"]), ("two.", ["Beta"]), ("ubuntu", ["Alpha"]),
+                            ("example", ["Alpha", "Beta"]), ("needle", []), ("4711", []), (" ", [])):
             with self.subTest(text=text):
                 app.type("Search tunnels...", text)
                 self.assert_shows(app, *names)
@@ -88,7 +84,9 @@ class Sidebar(SystemTest):
         red, blue, idle = stored.tag("Red", "#FF0000"), stored.tag("Blue"), stored.tag("Unused", "zz")
         app = self.start(stored.tunnel("A", tagIDs=[red["id"]]), stored.tunnel("B", tagIDs=[blue["id"], red["id"]]),
                          stored.tunnel("C"), tags=[red, blue, idle])
-        for chip, names in (("Blue", ["B"]), ("Red", ["A", "B"]), ("Red", ["A", "B", "C"]), ("Unused", []), ("All", ["A", "B", "C"])):
+        everything = ["A", "B", "C"]
+        for chip, names in (("Blue", ["B"]), ("Red", ["A", "B"]), ("Red", everything), ("Unused", []),
+                            ("All", everything)):
             with self.subTest(chip=chip, names=names):
                 app.press(chip, role=None)
                 self.assert_shows(app, *names)
@@ -119,18 +117,6 @@ class Sidebar(SystemTest):
         self.assert_shows(app, "Keep")
         self.assert_stored("Keep")
         app.find("No Tunnel Selected", role=None)
-
-    def test_edits_are_stored_at_once(self) -> None:
-        app = self.start(stored.tunnel("Edited"))
-        app.select("Edited")
-        for field, key, text in (("Tunnel Name", "name", "Renamed"), ("Host / IP", "host", "10.0.0.1"),
-                                 ("Username", "user", "me"), ("Local Port", "localPort", "1"),
-                                 ("Remote Host", "remoteHost", "db"), ("Remote Port", "remotePort", "2"),
-                                 ("Jump Host", "jumpHost", "bastion")):
-            with self.subTest(field=field):
-                app.type(field, text)
-                wait_until(lambda: self.preferences.tunnels()[0][key] == text, f"{key} is stored")
-        self.assert_shows(app, "Renamed")
 
     def test_start_and_stop_from_the_row(self) -> None:
         sleeper = self.session.root / "sleeping-ssh"
@@ -171,7 +157,8 @@ class Windows(SystemTest):
         self.assertEqual(done.returncode, 0, done.stderr)
         wait_until(app.window, "the window is back")
         self.assertTrue(app.running())
-        self.assertEqual(text_of(app.find("Tunnel Name", "text")), "Stays")
+        self.assertEqual(app.rows(), ["Stays"])
+        self.assertTrue(app.has("Connect"))
 
     def test_activation_on_the_bus_raises(self) -> None:
         app = self.start(stored.tunnel("Stays"))

@@ -160,20 +160,19 @@ class App:
         self.click(self._sidebar()[0])
         self.desktop.xdotool("key", "--delay", "1", *["Menu", "Down", "Return", "Down"] * count)
 
-    def show_tab(self, title: str) -> None:
-        """Turns to one of the detail column's tabs."""
-        act(self.find(title))
-
     def log(self) -> list[str]:
-        """The messages in the log of the selected tunnel."""
-        self.show_tab("Logs")
-        self.find("Auto-scroll")
-        return self.log_texts()
+        """The messages in the log of the selected tunnel that are on the screen, or near it."""
+        lists = self.all("Logs", "list")
+        return [row.get_name() for row in walk(lists[0]) if row.get_role_name() == "list item"] if lists else []
 
-    def log_texts(self) -> list[str]:
-        """The same, with the log on the screen already."""
-        lists = self.all("Log", "list")
-        return [_title(row) for row in self.all(role="list item", under=lists[0])] if lists else []
+    def create(self, **fields: str) -> None:
+        """Fills the sheet that makes a tunnel, and confirms it; `fields` are name, host, user and port."""
+        labels = {"name": "Tunnel Name", "host": "Host / IP", "user": "Username", "port": "Local Port"}
+        self.press("Add new tunnel")
+        for field, text in fields.items():
+            self.type(labels[field], text)
+        self.press("Create Tunnel")
+        self.gone("Create Tunnel")
 
     def children(self, name: str = "ssh") -> list[int]:
         """The living processes below the application that run a program of that name."""
@@ -253,7 +252,8 @@ def text_of(widget: Widget) -> str:
 
 
 def _title(row: Widget) -> str:
-    return str(row.get_name())
+    """A row reads "name, status, user@host"."""
+    return str(row.get_name()).rsplit(", ", 2)[0]
 
 
 def _atspi() -> Any:

@@ -56,12 +56,11 @@ class Session:
         }
 
     def start(self, command: Sequence[str | Path], *, environment: dict[str, str] | None = None,
-              stdout: IO[bytes] | int | None = subprocess.DEVNULL, stderr: IO[bytes] | int | None = subprocess.DEVNULL,
-              pass_fds: Sequence[int] = ()) -> subprocess.Popen[bytes]:
+              stderr: IO[bytes] | int = subprocess.DEVNULL, pass_fds: Sequence[int] = ()) -> subprocess.Popen[bytes]:
         """Starts a program of this run; it also dies when this program is killed."""
-        child = subprocess.Popen(["setpriv", "--pdeathsig", "KILL", "--", *map(str, command)], env=environment or self.environment,
-                                 stdin=subprocess.DEVNULL, stdout=stdout, stderr=stderr, pass_fds=pass_fds,
-                                 cwd=self.home, start_new_session=True)
+        words = ["setpriv", "--pdeathsig", "KILL", "--", *map(str, command)]
+        child = subprocess.Popen(words, env=environment or self.environment, cwd=self.home, start_new_session=True,
+                                 stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=stderr, pass_fds=pass_fds)
         self._children.append(child)
         return child
 
