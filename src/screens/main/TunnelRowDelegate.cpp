@@ -128,7 +128,8 @@ void TunnelRowDelegate::paintLogin(QPainter& painter, const QRect& line, const T
     painter.setFont(loginFont_);
     painter.setPen(color);
     // Each part has a limit of its own, so that a long user cannot hide the host.
-    drawLine(painter, area, displayLine(tunnel.user) + QLatin1Char('@') + displayLine(tunnel.host));
+    drawLine(painter, area, displayLine(tunnel.user) + QLatin1Char('@') + displayLine(tunnel.host),
+             Qt::LeftToRight);
 }
 
 void TunnelRowDelegate::paintTags(QPainter& painter, const QRect& line, int row) const {
