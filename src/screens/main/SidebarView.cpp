@@ -148,6 +148,10 @@ void SidebarView::focusSearch() {
     search_->focusField();
 }
 
+void SidebarView::focusList() {
+    list_->setFocus();
+}
+
 void SidebarView::openMenu(int row, QPoint where) {
     const Tunnel tunnel = model_->tunnel(row);
     auto* menu = new QMenu(this);
