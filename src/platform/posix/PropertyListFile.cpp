@@ -67,7 +67,9 @@ PropertyValue fromDate(plist_t node) {
     std::int32_t seconds = 0;
     std::int32_t microseconds = 0;
     plist_get_date_val(node, &seconds, &microseconds);
-    return {support::Date{seconds + microseconds / 1e6}};
+    // libplist cuts towards zero and hands out the rest without its sign; so the one second before 2001 is
+    // lost.
+    return {support::Date{seconds < 0 ? seconds - microseconds / 1e6 : seconds + microseconds / 1e6}};
 }
 
 PropertyValue fromBytes(plist_t node) {

@@ -155,7 +155,7 @@ private:
     std::size_t objectCount_ = 0;
     std::size_t root_ = 0;
     std::size_t table_ = 0;
-    std::vector<std::size_t> costs_;    // by object
+    std::vector<std::size_t> costs_;   // by object
     std::vector<std::size_t> deepest_; // levels below each object
 };
 

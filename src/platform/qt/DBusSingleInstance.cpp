@@ -20,7 +20,7 @@ const auto kInterface = QStringLiteral("org.freedesktop.Application");
 QString sessionBusAddress(const HostEnvironment& host) {
     const auto variables = host.variables();
     if (const auto found = variables.find("DBUS_SESSION_BUS_ADDRESS");
-        found != variables.end() && !found->second.empty() && found->second != "autolaunch:") {
+        found != variables.end() && !found->second.empty() && !found->second.starts_with("autolaunch:")) {
         return QString::fromStdString(found->second);
     }
     const auto runtime = variables.find("XDG_RUNTIME_DIR");
