@@ -62,8 +62,10 @@ void LogListView::copySelection() const {
 }
 
 void LogListView::resizeEvent(QResizeEvent* event) {
-    rows_->setRowWidth(viewport()->width());
     QListView::resizeEvent(event);
+    if (rows_->setRowWidth(viewport()->width())) {
+        scheduleDelayedItemsLayout();
+    }
 }
 
 void LogListView::keyPressEvent(QKeyEvent* event) {

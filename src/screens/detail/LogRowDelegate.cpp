@@ -42,11 +42,13 @@ LogRowDelegate::LogRowDelegate(const Theme& theme, const LogListModel& model, QO
     : QStyledItemDelegate(parent), theme_(theme), model_(model), font_(theme.monospaced(11)), metrics_(font_),
       timeWidth_(std::max(kTimeWidth, metrics_.horizontalAdvance(QStringLiteral("00:00:00")))) {}
 
-void LogRowDelegate::setRowWidth(int width) {
-    if (width != rowWidth_) {
-        rowWidth_ = width;
-        heights_.clear();
+bool LogRowDelegate::setRowWidth(int width) {
+    if (width == rowWidth_) {
+        return false;
     }
+    rowWidth_ = width;
+    heights_.clear();
+    return true;
 }
 
 int LogRowDelegate::messageLeft() const {

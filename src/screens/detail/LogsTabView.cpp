@@ -76,7 +76,7 @@ QWidget* LogsTabView::buildEmptyState() {
     auto* layout = new QVBoxLayout(page);
     layout->setSpacing(grid::kMedium);
     layout->addStretch(1);
-    layout->addWidget(new IconView(theme_, Icon::terminal, kEmptyIconSize, &Palette::secondary, page), 0,
+    layout->addWidget(new IconView(theme_, Icon::terminal, kEmptyIconSize, &Palette::placeholder, page), 0,
                       Qt::AlignHCenter);
     layout->addWidget(text, 0, Qt::AlignHCenter);
     layout->addStretch(1);

@@ -24,6 +24,7 @@ ContentView::ContentView(const MainWindowContext& context, QWidget* parent)
     build();
     observe();
     refresh();
+    sidebar_->focusList();
 }
 
 void ContentView::build() {

@@ -25,6 +25,7 @@ SidebarView::SidebarView(const MainWindowContext& context, SidebarCallbacks call
     setObjectName(QStringLiteral("sidebar"));
     setMinimumWidth(kMinimumWidth);
     setMaximumWidth(kMaximumWidth);
+    auto* toolbar = buildToolbar();
     search_ = new SearchRow(
         context.theme, [this](const QString& text) { callbacks_.onSearch(text.toStdString()); }, this);
     strip_ = new TagStrip(
@@ -34,7 +35,7 @@ SidebarView::SidebarView(const MainWindowContext& context, SidebarCallbacks call
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(buildToolbar());
+    layout->addWidget(toolbar);
     layout->addWidget(buildStatistics());
     layout->addWidget(new Divider(context.theme, this));
     layout->addWidget(search_);
@@ -146,6 +147,10 @@ void SidebarView::showTags() {
 
 void SidebarView::focusSearch() {
     search_->focusField();
+}
+
+void SidebarView::focusList() {
+    list_->setFocus();
 }
 
 void SidebarView::openMenu(int row, QPoint where) {

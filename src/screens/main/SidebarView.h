@@ -48,7 +48,9 @@ public:
     // Shows changed tags in the rows.
     void showTags();
 
+    // Give the keyboard to the search field, or to the list.
     void focusSearch();
+    void focusList();
 
 protected:
     void paintEvent(QPaintEvent* event) override;

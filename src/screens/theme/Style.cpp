@@ -46,7 +46,9 @@ void Style::drawPrimitive(PrimitiveElement element, const QStyleOption* option, 
     const Palette& colors = theme_.colors();
     switch (element) {
     case PE_PanelLineEdit:
-        stylepaint::textField(*painter, *option, colors);
+        if (const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option); !frame || frame->lineWidth > 0) {
+            stylepaint::textField(*painter, *option, colors);
+        }
         return;
     case PE_FrameLineEdit:
     case PE_PanelMenuBar:
@@ -248,6 +250,7 @@ int Style::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* 
             return 1;
         }
         return 0;
+    case SH_UnderlineShortcut:
     case SH_ToolTip_Mask:
     case SH_EtchDisabledText:
     case SH_DitherDisabledText:
