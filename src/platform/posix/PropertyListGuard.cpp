@@ -160,7 +160,8 @@ private:
         for (std::size_t at = 0; container && at < *length; at += referenceWidth_) {
             const auto child = number(found->start + at, referenceWidth_);
             const auto below = child ? cost(*child, depth + 1) : std::nullopt;
-            if (!below || (total += *below) > kLargestPropertyList) {
+            total += below.value_or(kLargestPropertyList);
+            if (!below || total > kLargestPropertyList) {
                 return std::nullopt;
             }
             deepest_[index] = std::max(deepest_[index], 1 + deepest_[*child]);
