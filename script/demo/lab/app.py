@@ -14,7 +14,7 @@ from lab.desktop import Desktop
 from lab.namespace import NESTED
 from lab.preferences import Preferences
 from lab.session import POWERLESS, Session, descendants, program_name
-from lab.waiting import wait_until
+from lab.waiting import wait_for, wait_until
 
 REPOSITORY = Path(__file__).resolve().parents[3]
 # The items of a row's context menu, by how far down they stand.
@@ -104,7 +104,7 @@ class App:
         """Clicks the middle of a widget with the mouse."""
         assert self.desktop is not None
         box = widget.get_component_iface().get_extents(_atspi().CoordType.SCREEN)
-        self.desktop.xdotool("mousemove", "--sync", box.x + box.width // 2, box.y + box.height // 2, "click", button)
+        self.desktop.xdotool("mousemove", box.x + box.width // 2, box.y + box.height // 2, "click", button)
 
     def choose(self, row: Widget, item: str) -> None:
         """Chooses an item of the context menu of a sidebar row, with the keyboard.
@@ -125,7 +125,7 @@ class App:
     def window(self, title: str = "Fernwick") -> str:
         """The X id of the window with exactly that title; empty while it is hidden."""
         assert self.desktop is not None
-        found = self.desktop.xdotool("search", "--onlyvisible", "--pid", self.pid, "--name", f"^{title}$")
+        found = self.desktop.xdotool("search", "--all", "--onlyvisible", "--pid", self.pid, "--name", f"^{title}$")
         return found.split("\n")[0]
 
     def keys(self, *chords: str) -> None:
@@ -151,7 +151,11 @@ class App:
 
     def select(self, name: str) -> None:
         """Shows a tunnel in the detail column."""
-        self.click(self.row(name))
+        def clicked() -> bool:
+            self.click(self.row(name))
+            return wait_for(lambda: _selected(self.row(name)), 0.5)
+        # a window that has just come up may still be on its way to its place
+        wait_until(clicked, f"{name!r} is selected")
         wait_until(lambda: self.has("Connect") or self.has("Stop"), f"the detail column shows {name!r}")
 
     def start_all(self, count: int) -> None:
@@ -228,6 +232,10 @@ def showing(node: Widget) -> bool:
 def enabled(node: Widget) -> bool:
     """Whether the widget takes input."""
     return bool(node.get_state_set().contains(_atspi().StateType.ENABLED))
+
+
+def _selected(node: Widget) -> bool:
+    return bool(node.get_state_set().contains(_atspi().StateType.SELECTED))
 
 
 def checked(node: Widget) -> bool:

@@ -47,13 +47,14 @@ SearchRow::SearchRow(const Theme& theme, std::function<void(const QString&)> edi
     layout->addWidget(field_);
     layout->addWidget(clear_);
 
-    connect(field_, &QLineEdit::textChanged, this,
-            [this](const QString& text) { clear_->setVisible(!text.isEmpty()); });
-    connect(field_, &QLineEdit::textEdited, this, [this](const QString& text) { edited_(text); });
+    // Not textEdited, which is silent when assistive technology sets the text.
+    connect(field_, &QLineEdit::textChanged, this, [this](const QString& text) {
+        clear_->setVisible(!text.isEmpty());
+        edited_(text);
+    });
     connect(clear_, &QToolButton::clicked, this, [this] {
         field_->clear();
         field_->setFocus();
-        edited_(QString());
     });
 }
 

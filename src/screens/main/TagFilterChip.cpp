@@ -36,7 +36,8 @@ TagFilterChip::TagFilterChip(const Theme& theme, const QString& label, bool isSe
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    connect(this, &QAbstractButton::clicked, this, std::move(action));
+    // Not clicked, which is silent when assistive technology toggles the chip.
+    connect(this, &QAbstractButton::toggled, this, [action = std::move(action)] { action(); });
 }
 
 QSize TagFilterChip::sizeHint() const {
