@@ -20,7 +20,9 @@
 namespace fernwick {
 
 SidebarView::SidebarView(const MainWindowContext& context, SidebarCallbacks callbacks, QWidget* parent)
-    : QWidget(parent), context_(context), callbacks_(std::move(callbacks)),
+    : QWidget(parent),
+      context_(context),
+      callbacks_(std::move(callbacks)),
       model_(new TunnelListModel(context.tunnels, context.tags, this)) {
     setObjectName(QStringLiteral("sidebar"));
     setMinimumWidth(kMinimumWidth);
@@ -102,7 +104,8 @@ void SidebarView::tellSelection() {
         return;
     }
     const auto chosen = list_->selectionModel()->selectedIndexes();
-    callbacks_.onSelect(chosen.isEmpty() ? std::nullopt : std::optional(model_->tunnel(chosen.first().row()).id));
+    callbacks_.onSelect(chosen.isEmpty() ? std::nullopt
+                                         : std::optional(model_->tunnel(chosen.first().row()).id));
 }
 
 void SidebarView::show(std::vector<Tunnel> filteredTunnels, const TunnelStatistics& statistics,
@@ -129,13 +132,14 @@ void SidebarView::showSelection(const std::optional<support::Uuid>& selected) {
         return;
     }
     selection->setCurrentIndex(wanted, wanted.isValid() ? QItemSelectionModel::ClearAndSelect
-                                                         : QItemSelectionModel::Clear);
+                                                        : QItemSelectionModel::Clear);
     if (wanted.isValid()) {
         list_->scrollTo(wanted);
     }
 }
 
-void SidebarView::showStatuses(const std::unordered_set<support::Uuid>& ids, const TunnelStatistics& statistics) {
+void SidebarView::showStatuses(const std::unordered_set<support::Uuid>& ids,
+                               const TunnelStatistics& statistics) {
     model_->refreshStatuses(ids);
     total_->setValue(statistics.total);
     active_->setValue(statistics.active);
@@ -159,15 +163,17 @@ void SidebarView::openMenu(int row, QPoint where) {
     menu->setObjectName(QStringLiteral("tunnelMenu"));
     menu->setAttribute(Qt::WA_DeleteOnClose);
     const bool active = context_.tunnels.isActive(tunnel.id);
-    menu->addAction(active ? QStringLiteral("Stop Tunnel") : QStringLiteral("Start Tunnel"), this, [this, tunnel] {
-        if (context_.tunnels.isActive(tunnel.id)) {
-            context_.tunnels.disconnect(tunnel.id);
-        } else {
-            context_.tunnels.connect(tunnel, context_.store);
-        }
-    });
+    menu->addAction(active ? QStringLiteral("Stop Tunnel") : QStringLiteral("Start Tunnel"), this,
+                    [this, tunnel] {
+                        if (context_.tunnels.isActive(tunnel.id)) {
+                            context_.tunnels.disconnect(tunnel.id);
+                        } else {
+                            context_.tunnels.connect(tunnel, context_.store);
+                        }
+                    });
     menu->addSeparator();
-    menu->addAction(QStringLiteral("Duplicate"), this, [this, tunnel] { context_.store.add(duplicateOf(tunnel)); });
+    menu->addAction(QStringLiteral("Duplicate"), this,
+                    [this, tunnel] { context_.store.add(duplicateOf(tunnel)); });
     menu->addSeparator();
     menu->addAction(QStringLiteral("Delete"), this, [this, tunnel] { callbacks_.onDelete(tunnel); });
     menu->popup(where);

@@ -1,6 +1,6 @@
-// The rows of the sidebar: the filtered tunnels in their order. A new list is compared with the old one, so that
-// an edit, an added and a removed tunnel leave the other rows, their selection and the scroll position alone.
-// Threads: main thread only.
+// The rows of the sidebar: the filtered tunnels in their order. A new list is compared with the old one, so
+// that an edit, an added and a removed tunnel leave the other rows, their selection and the scroll position
+// alone. Threads: main thread only.
 #pragma once
 
 #include "catalogue/TagManager.h"

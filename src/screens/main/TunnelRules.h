@@ -16,7 +16,8 @@ namespace fernwick {
 
 // The tunnels, in their order, whose name, host or user contains the search text (letter case aside, by the
 // user's locale; an empty text is in everything) and that bear the tag, if one is chosen.
-[[nodiscard]] std::vector<Tunnel> filteredTunnels(const std::vector<Tunnel>& tunnels, std::string_view searchText,
+[[nodiscard]] std::vector<Tunnel> filteredTunnels(const std::vector<Tunnel>& tunnels,
+                                                  std::string_view searchText,
                                                   const std::optional<TunnelTag>& selectedTag);
 
 struct TunnelStatistics {
