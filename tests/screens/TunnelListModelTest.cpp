@@ -24,12 +24,12 @@ struct ModelSpies {
 
 class ListModel : public testing::Test {
 protected:
-    ListModel() { model.setTunnels(tunnels); }
+    ListModel() { model.setTunnels(filteredTunnels(tunnels, "", std::nullopt)); }
 
     // Hands the tunnels to the model and says what it told its views: resets, insertions, removals, changes.
     std::vector<qsizetype> update() {
         const ModelSpies spies(model);
-        model.setTunnels(tunnels);
+        model.setTunnels(filteredTunnels(tunnels, "", std::nullopt));
         for (std::size_t row = 0; row < tunnels.size(); ++row) {
             EXPECT_EQ(model.tunnel(static_cast<int>(row)), tunnels[row]);
         }

@@ -11,10 +11,10 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-std::vector<std::string> namesOf(const std::vector<Tunnel>& tunnels) {
+std::vector<std::string> namesOf(const TunnelSelection& tunnels) {
     std::vector<std::string> names;
-    for (const Tunnel& tunnel : tunnels) {
-        names.push_back(tunnel.name);
+    for (const Tunnel* tunnel : tunnels) {
+        names.push_back(tunnel->name);
     }
     return names;
 }

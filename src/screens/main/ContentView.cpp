@@ -132,11 +132,15 @@ void ContentView::showAddSheet() {
         return;
     }
     auto* sheet = new AddTunnelSheet(
+<<<<<<< HEAD
         context_.theme, context_.store, context_.clock,
         [this](const Tunnel& added) {
             select(added.id);
             sidebar_->focusList();
         },
+=======
+        context_.theme, context_.store, context_.clock, [this](const Tunnel& added) { select(added.id); },
+>>>>>>> main
         window());
     sheet->setAttribute(Qt::WA_DeleteOnClose);
     connect(sheet, &QDialog::finished, this, [this] { state_.showingAddSheet = false; });

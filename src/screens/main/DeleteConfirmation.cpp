@@ -19,6 +19,7 @@ constexpr int kMargin = 20;
 
 DeleteConfirmation::DeleteConfirmation(const Theme& theme, std::string_view name,
                                        std::function<void()> onDelete, QWidget* parent)
+<<<<<<< HEAD
     : QDialog(parent, Qt::Sheet), text_(makeLabel(QString(), theme.font(13), this)) {
     setObjectName(QStringLiteral("deleteConfirmation"));
     setWindowTitle(QStringLiteral("Delete Tunnel"));
@@ -28,6 +29,20 @@ DeleteConfirmation::DeleteConfirmation(const Theme& theme, std::string_view name
     text_->setWordWrap(true);
     text_->setFixedWidth(kTextWidth);
     setName(name);
+=======
+    : QDialog(parent, Qt::Sheet) {
+    setObjectName(QStringLiteral("deleteConfirmation"));
+    setWindowTitle(QStringLiteral("Delete Tunnel"));
+    auto* title = makeLabel(windowTitle(), theme.font(15, QFont::DemiBold), this);
+    auto* text =
+        makeLabel(QStringLiteral("Are you sure you want to delete \"%1\"? This action cannot be undone.")
+                      .arg(displayLine(name)),
+                  theme.font(13), this);
+    text->setObjectName(QStringLiteral("deleteConfirmationText"));
+    text->setForegroundRole(QPalette::PlaceholderText);
+    text->setWordWrap(true);
+    text->setFixedWidth(kTextWidth);
+>>>>>>> main
     auto* cancel =
         makeButton(QStringLiteral("Cancel"), ButtonRole::plain, QStringLiteral("deleteCancelButton"), this);
     auto* confirm = makeButton(QStringLiteral("Delete"), ButtonRole::destructive,

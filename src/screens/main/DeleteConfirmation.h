@@ -18,12 +18,15 @@ public:
     // `name` is the tunnel's name as it is stored; `onDelete` is called when the user agrees.
     DeleteConfirmation(const Theme& theme, std::string_view name, std::function<void()> onDelete,
                        QWidget* parent);
+<<<<<<< HEAD
 
     // Asks about a tunnel of another name.
     void setName(std::string_view name);
 
 private:
     QLabel* text_;
+=======
+>>>>>>> main
 };
 
 } // namespace fernwick

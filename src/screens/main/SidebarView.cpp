@@ -108,7 +108,7 @@ void SidebarView::tellSelection() {
                                          : std::optional(model_->tunnel(chosen.first().row()).id));
 }
 
-void SidebarView::show(std::vector<Tunnel> filteredTunnels, const TunnelStatistics& statistics,
+void SidebarView::show(const TunnelSelection& filteredTunnels, const TunnelStatistics& statistics,
                        const ContentState& state) {
     search_->setText(QString::fromStdString(state.searchText));
     const auto& tags = context_.tags.tags();
@@ -118,7 +118,7 @@ void SidebarView::show(std::vector<Tunnel> filteredTunnels, const TunnelStatisti
     empty_->setSearching(!state.searchText.empty());
     pages_->setCurrentIndex(filteredTunnels.empty() ? 1 : 0);
     showing_ = true;
-    model_->setTunnels(std::move(filteredTunnels));
+    model_->setTunnels(filteredTunnels);
     showSelection(state.selectedTunnelID);
     showing_ = false;
     showStatuses({}, statistics);

@@ -40,7 +40,11 @@ public:
     SidebarView(const MainWindowContext& context, SidebarCallbacks callbacks, QWidget* parent);
 
     // Shows these tunnels and the state that goes with them.
+<<<<<<< HEAD
     void show(std::vector<Tunnel> filteredTunnels, const TunnelStatistics& statistics,
+=======
+    void show(const TunnelSelection& filteredTunnels, const TunnelStatistics& statistics,
+>>>>>>> main
               const ContentState& state);
 
     // Repaints the rows of these tunnels.

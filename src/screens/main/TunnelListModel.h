@@ -5,6 +5,7 @@
 
 #include "catalogue/TagManager.h"
 #include "catalogue/Tunnel.h"
+#include "screens/main/TunnelRules.h"
 #include "tunnel/TunnelManager.h"
 
 #include <QAbstractListModel>
@@ -22,8 +23,8 @@ public:
 
     TunnelListModel(const TunnelManager& manager, const TagManager& tags, QObject* parent);
 
-    // Shows these tunnels.
-    void setTunnels(std::vector<Tunnel> tunnels);
+    // Shows copies of these tunnels.
+    void setTunnels(const TunnelSelection& tunnels);
 
     // Says that the status of these tunnels changed.
     void refreshStatuses(const std::unordered_set<support::Uuid>& ids);
@@ -46,7 +47,7 @@ public:
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
 
 private:
-    void tellChangedRows(const std::vector<Tunnel>& before);
+    void takeChanges(const TunnelSelection& tunnels);
     [[nodiscard]] QString accessibleText(int row) const;
 
     const TunnelManager& manager_;
