@@ -65,8 +65,10 @@ void DesktopAppearance::ask() {
         return;
     }
     QDBusConnection& bus = *found;
+    // A slot that takes the whole message: at this moment the library may not know the types of the arguments
+    // yet, and then it would refuse a slot that names them.
     bus.connect(portalService(), portalPath(), settingsInterface(), QStringLiteral("SettingChanged"), this,
-                SLOT(settingChanged(QString, QString, QDBusVariant)));
+                SLOT(settingChanged(QDBusMessage)));
     auto call = QDBusMessage::createMethodCall(portalService(), portalPath(), settingsInterface(),
                                                QStringLiteral("Read"));
     call << appearanceNamespace() << colorSchemeKey();
@@ -80,9 +82,10 @@ void DesktopAppearance::ask() {
     });
 }
 
-void DesktopAppearance::settingChanged(const QString& space, const QString& key, const QDBusVariant& value) {
-    if (space == appearanceNamespace() && key == colorSchemeKey()) {
-        tell(value.variant());
+void DesktopAppearance::settingChanged(const QDBusMessage& message) {
+    const QVariantList arguments = message.arguments();
+    if (arguments.size() == 3 && arguments[0] == appearanceNamespace() && arguments[1] == colorSchemeKey()) {
+        tell(arguments[2]);
     }
 }
 

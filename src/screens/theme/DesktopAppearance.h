@@ -11,7 +11,7 @@
 #include <functional>
 #include <optional>
 
-class QDBusVariant;
+class QDBusMessage;
 class QVariant;
 
 namespace fernwick {
@@ -31,7 +31,7 @@ public:
     [[nodiscard]] static std::optional<QDBusConnection> sessionBus();
 
 private Q_SLOTS:
-    void settingChanged(const QString& space, const QString& key, const QDBusVariant& value);
+    void settingChanged(const QDBusMessage& message);
 
 private:
     void ask();
