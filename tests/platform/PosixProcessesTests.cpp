@@ -82,7 +82,10 @@ bool isGone(int pid) {
 std::map<std::string, std::string> descriptors(int pid) {
     std::map<std::string, std::string> found;
     for (const auto& entry : fs::directory_iterator("/proc/" + std::to_string(pid) + "/fd")) {
-        found[entry.path().filename()] = fs::read_symlink(entry.path()).string();
+        std::error_code gone; // the process may close it while it is looked at
+        if (auto target = fs::read_symlink(entry.path(), gone); !gone) {
+            found[entry.path().filename()] = target.string();
+        }
     }
     return found;
 }

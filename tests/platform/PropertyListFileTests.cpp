@@ -70,6 +70,35 @@ TEST(PropertyListFile, DatesOutOfRangeAreBounded) {
     }
 }
 
+TEST(PropertyListFile, DatesLoseNothingHoweverOftenTheyAreWritten) {
+    for (const double start : {700000000.1, 788918400.123456, 0.9, 5.3, -1.25, -7.7}) {
+        double seconds = start;
+        for (int round = 0; round < 50; ++round) {
+            const auto parsed = parsePropertyList(encodePropertyList({{"date", {support::Date{seconds}}}}));
+            ASSERT_TRUE(parsed);
+            seconds = parsed->as<PropertyDictionary>()->at("date").as<support::Date>()->secondsSinceReference;
+        }
+        EXPECT_NEAR(seconds, start, 0.6e-6);
+    }
+}
+
+TEST(PropertyListFile, ShortDateIsRefused) {
+    EXPECT_EQ(parsePropertyList(binaryList({std::string("\x32\0\0\0\0", 5)})), std::nullopt);
+}
+
+TEST(PropertyListFile, TextWithANulIsRefused) {
+    using namespace std::string_literals;
+    EXPECT_EQ(parsePropertyList(binaryList({"\xD1\x01\x01"s, "\x52h\0"s})), std::nullopt);
+    EXPECT_EQ(parsePropertyList(binaryList({"\xD1\x01\x01"s, "\x62\x01\0\0\0"s})), std::nullopt);
+    EXPECT_TRUE(parsePropertyList(binaryList({"\xD1\x01\x01"s, "\x62\x01\0\x01\0"s})));
+}
+
+TEST(PropertyListFile, TextThatIsNotUtf8IsRefusedAndNotWritten) {
+    EXPECT_EQ(parsePropertyList(binaryList({"\x52h\xe3"})), std::nullopt);
+    const auto parsed = parsePropertyList(encodePropertyList({{"k\xe3", {std::string("a\xff\x80z")}}}));
+    EXPECT_EQ(parsed, (PropertyValue{PropertyDictionary{{"k", {std::string("az")}}}}));
+}
+
 TEST(PropertyListFile, SharedObjectsAreReadForEachUse) {
     // A list of the same text three times.
     const auto parsed = parsePropertyList(binaryList({"\xA3\x01\x01\x01", "\x52hi"}));

@@ -94,11 +94,11 @@ TEST(QtDispatch, TimerOutlivesItsDispatch) {
 }
 
 TEST(QtDispatch, BlockedWorkDoesNotHoldUpOtherWork) {
-    QtHarness harness;
     std::mutex mutex;
     std::condition_variable released;
     bool release = false;
     std::atomic<int> quick = 0;
+    QtHarness harness; // waits for the blocked work when it goes
     for (int number = 0; number < 20; ++number) {
         harness.dispatch().global(Priority::userInitiated, [&] {
             std::unique_lock lock(mutex);

@@ -97,7 +97,7 @@ pid_t makeChild(const ChildPlan& plan) {
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before);
     // The child makes system calls only, and the time of a fork would grow with our memory.
-    const pid_t pid = vfork(); // NOLINT(clang-analyzer-security.insecureAPI.vfork)
+    const pid_t pid = vfork(); // NOLINT(bugprone-unsafe-functions,clang-analyzer-security.insecureAPI.vfork)
     if (pid == 0) {
         becomeProgram(plan); // NOLINT(clang-analyzer-unix.Vfork)
     }
@@ -146,7 +146,7 @@ std::vector<std::string> environmentWords(const Environment& environment) {
     std::vector<std::string> words;
     words.reserve(environment.size());
     for (const auto& [name, value] : environment) {
-        words.push_back(name + '=' + value);
+        words.emplace_back(name).append("=").append(value);
     }
     return words;
 }

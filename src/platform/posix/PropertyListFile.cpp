@@ -1,6 +1,7 @@
 #include "platform/posix/PropertyListFile.h"
 
 #include "platform/posix/PropertyListGuard.h"
+#include "support/Text.h"
 
 #include <plist/plist.h>
 
@@ -56,20 +57,25 @@ std::optional<PropertyValue> fromDictionary(plist_t node) {
             return PropertyValue{std::move(dictionary)};
         }
         auto value = fromNode(item);
-        if (!value || key == nullptr) {
+        if (!value || key == nullptr || !support::isValidUtf8(key)) {
             return std::nullopt;
         }
         dictionary.insert_or_assign(key, std::move(*value));
     }
 }
 
-PropertyValue fromDate(plist_t node) {
+double dateOf(plist_t node) {
     std::int32_t seconds = 0;
     std::int32_t microseconds = 0;
     plist_get_date_val(node, &seconds, &microseconds);
     // libplist cuts towards zero and hands out the rest without its sign; so the one second before 2001 is
-    // lost.
-    return {support::Date{seconds < 0 ? seconds - microseconds / 1e6 : seconds + microseconds / 1e6}};
+    // lost. Of a date that it cannot hold it hands out any rest.
+    const double rest = std::clamp(microseconds, 0, 999'999) / 1e6;
+    return seconds < 0 ? seconds - rest : seconds + rest;
+}
+
+PropertyValue fromDate(plist_t node) {
+    return {support::Date{dateOf(node)}};
 }
 
 PropertyValue fromBytes(plist_t node) {
@@ -78,10 +84,11 @@ PropertyValue fromBytes(plist_t node) {
     return {Data(bytes != nullptr ? std::string(bytes, length) : std::string())};
 }
 
-PropertyValue fromString(plist_t node) {
+std::optional<PropertyValue> fromString(plist_t node) {
     std::uint64_t length = 0;
     const char* text = plist_get_string_ptr(node, &length);
-    return {text != nullptr ? std::string(text, length) : std::string()};
+    std::string string = text != nullptr ? std::string(text, length) : std::string();
+    return support::isValidUtf8(string) ? std::optional(PropertyValue{std::move(string)}) : std::nullopt;
 }
 
 PropertyValue fromNumber(plist_t node) {
@@ -122,18 +129,30 @@ std::optional<PropertyValue> fromNode(plist_t node) {
 
 plist_t toNode(const PropertyValue& value);
 
+// Text that libplist can convert: it trusts it to be UTF-8.
+std::string sound(std::string text) {
+    if (!support::isValidUtf8(text)) {
+        std::erase_if(text, [](char byte) { return static_cast<unsigned char>(byte) >= 0x80; });
+    }
+    return text;
+}
+
 plist_t newDate(support::Date date) {
     constexpr double kLast = std::numeric_limits<std::int32_t>::max();
     const double bounded = std::isnan(date.secondsSinceReference)
                                ? 0.0
                                : std::clamp(date.secondsSinceReference, -kLast, kLast - 1);
-    double seconds = std::floor(bounded);
-    double microseconds = std::round((bounded - seconds) * 1e6);
-    if (microseconds >= 1e6) {
-        seconds += 1;
-        microseconds = 0;
+    const auto seconds = static_cast<std::int32_t>(std::floor(bounded));
+    const auto microseconds = static_cast<std::int32_t>(std::round((bounded - seconds) * 1e6));
+    // Reading may cut one microsecond off what was written; without this a date would lose one with every
+    // write.
+    for (const std::int32_t correction : {0, 1, -1}) {
+        Node node(plist_new_date(seconds, microseconds + correction));
+        if (std::abs(dateOf(node.get()) - bounded) < 0.75e-6) {
+            return node.release();
+        }
     }
-    return plist_new_date(static_cast<std::int32_t>(seconds), static_cast<std::int32_t>(microseconds));
+    return plist_new_date(seconds, microseconds);
 }
 
 plist_t newArray(const PropertyArray& array) {
@@ -147,7 +166,7 @@ plist_t newArray(const PropertyArray& array) {
 plist_t newDictionary(const PropertyDictionary& dictionary) {
     auto* node = plist_new_dict();
     for (const auto& [key, item] : dictionary) {
-        plist_dict_set_item(node, key.c_str(), toNode(item));
+        plist_dict_set_item(node, sound(key).c_str(), toNode(item));
     }
     return node;
 }
@@ -163,7 +182,7 @@ plist_t toNode(const PropertyValue& value) {
             } else if constexpr (std::is_same_v<T, double>) {
                 return plist_new_real(held);
             } else if constexpr (std::is_same_v<T, std::string>) {
-                return plist_new_string(held.c_str());
+                return plist_new_string(sound(held).c_str());
             } else if constexpr (std::is_same_v<T, Data>) {
                 return plist_new_data(held.bytes().data(), held.bytes().size());
             } else if constexpr (std::is_same_v<T, support::Date>) {

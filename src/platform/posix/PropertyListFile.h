@@ -14,8 +14,9 @@ namespace fernwick::platform {
 // do not have, or nest deeper or grow larger than PropertyListGuard.h allows.
 [[nodiscard]] std::optional<PropertyValue> parsePropertyList(std::string_view bytes);
 
-// The dictionary as a binary property list. Text ends at its first NUL. Dates keep whole microseconds and lie
-// within 68 years of 2001, as libplist has them.
+// The dictionary as a binary property list. Text ends at its first NUL, and keeps only its ASCII bytes when it
+// is not UTF-8. Dates keep whole microseconds and lie within 68 years of 2001, as libplist has them; before
+// 2001 one may be a microsecond off.
 [[nodiscard]] std::string encodePropertyList(const PropertyDictionary& dictionary);
 
 } // namespace fernwick::platform

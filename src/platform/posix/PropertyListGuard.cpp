@@ -100,9 +100,12 @@ private:
         case 0x0: // null and booleans
             return 0;
         case 0x1: // integers of 1, 2, 4, 8 or 16 bytes
-        case 0x2: // real numbers
-        case 0x3: // dates
             return object.size <= 4 ? std::optional(std::size_t{1} << object.size) : std::nullopt;
+        case 0x2: // real numbers of 4 or 8 bytes
+            return object.size == 2 || object.size == 3 ? std::optional(std::size_t{1} << object.size)
+                                                        : std::nullopt;
+        case 0x3: // dates of 8 bytes; libplist ends the process over shorter ones
+            return object.size == 3 ? std::optional(std::size_t{8}) : std::nullopt;
         case 0x4: // bytes
         case 0x5: // ASCII text
             return object.size;
@@ -115,6 +118,20 @@ private:
         default:
             return std::nullopt;
         }
+    }
+
+    // libplist ends the process over a dictionary key with a NUL in it.
+    [[nodiscard]] bool isTextWithNul(const Object& object, std::size_t length) const {
+        const auto bytes = bytes_.substr(object.start, length);
+        if (object.kind == 0x5) {
+            return bytes.contains('\0');
+        }
+        for (std::size_t at = 0; object.kind == 0x6 && at + 1 < length; at += 2) {
+            if (bytes[at] == '\0' && bytes[at + 1] == '\0') {
+                return true;
+            }
+        }
+        return false;
     }
 
     // What the object and all that it leads to cost in memory, shared objects once for each use. Nothing when
@@ -134,13 +151,17 @@ private:
         if (!length || found->start > table_ || table_ - found->start < *length) {
             return std::nullopt;
         }
+        if (isTextWithNul(*found, *length)) {
+            return std::nullopt;
+        }
         std::size_t total = kNodeCost + *length;
         const bool container = found->kind == 0xA || found->kind == 0xD;
         costs_[index] = kBeingWalked;
         for (std::size_t at = 0; container && at < *length; at += referenceWidth_) {
             const auto child = number(found->start + at, referenceWidth_);
             const auto below = child ? cost(*child, depth + 1) : std::nullopt;
-            if (!below || (total += *below) > kLargestPropertyList) {
+            total += below.value_or(kLargestPropertyList);
+            if (!below || total > kLargestPropertyList) {
                 return std::nullopt;
             }
             deepest_[index] = std::max(deepest_[index], 1 + deepest_[*child]);

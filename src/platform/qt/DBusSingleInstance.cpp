@@ -37,7 +37,7 @@ DBusSingleInstance::DBusSingleInstance(const HostEnvironment& host)
     : lock_(host.supportFolder() + "/instance.lock"),
       address_(sessionBusAddress(host)),
       connectionName_(QStringLiteral("fernwick-single-instance-%1").arg(reinterpret_cast<quintptr>(this))) {
-    std::make_unique<ApplicationAdaptor>(&exported_, reopened).release(); // owned by its parent
+    new ApplicationAdaptor(&exported_, reopened); // owned by its parent
 }
 
 DBusSingleInstance::~DBusSingleInstance() {

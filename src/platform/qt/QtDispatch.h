@@ -5,7 +5,7 @@
 
 #include "platform/Dispatch.h"
 #include "platform/qt/QtMainQueue.h"
-#include "platform/qt/QtWorkPool.h"
+#include "platform/posix/WorkPool.h"
 
 #include <memory>
 
@@ -29,7 +29,7 @@ public:
 
 private:
     std::shared_ptr<QtMainQueue> mainQueue_; // timers hold it weakly
-    QtWorkPool pool_;
+    WorkPool pool_;
 };
 
 } // namespace fernwick::platform

@@ -19,6 +19,7 @@ DetailHeader::DetailHeader(const Theme& theme, std::function<void()> onToggleSid
     name_->setFont(theme.font(15, QFont::DemiBold));
     login_->setObjectName(QStringLiteral("detailLogin"));
     login_->setFont(theme.font(11));
+    login_->setLayoutDirection(Qt::LeftToRight);
     login_->setForegroundRole(QPalette::PlaceholderText);
 
     auto* lines = new QVBoxLayout;

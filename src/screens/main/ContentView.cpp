@@ -18,7 +18,9 @@
 namespace fernwick {
 
 ContentView::ContentView(const MainWindowContext& context, QWidget* parent)
-    : QWidget(parent), context_(context), refreshSoon_(context.dispatch, [this] { refresh(); }),
+    : QWidget(parent),
+      context_(context),
+      refreshSoon_(context.dispatch, [this] { refresh(); }),
       refreshStatusesSoon_(context.dispatch, [this] { refreshStatuses(); }) {
     setObjectName(QStringLiteral("content"));
     build();
@@ -130,7 +132,8 @@ void ContentView::showAddSheet() {
         return;
     }
     auto* sheet = new AddTunnelSheet(
-        context_.theme, context_.store, context_.clock, [this](const Tunnel& added) { select(added.id); }, window());
+        context_.theme, context_.store, context_.clock, [this](const Tunnel& added) { select(added.id); },
+        window());
     sheet->setAttribute(Qt::WA_DeleteOnClose);
     connect(sheet, &QDialog::finished, this, [this] { state_.showingAddSheet = false; });
     sheet->open();

@@ -14,7 +14,8 @@ namespace fernwick {
 class DeleteConfirmation final : public QDialog {
 public:
     // `name` is the tunnel's name as it is stored; `onDelete` is called when the user agrees.
-    DeleteConfirmation(const Theme& theme, std::string_view name, std::function<void()> onDelete, QWidget* parent);
+    DeleteConfirmation(const Theme& theme, std::string_view name, std::function<void()> onDelete,
+                       QWidget* parent);
 };
 
 } // namespace fernwick

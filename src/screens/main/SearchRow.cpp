@@ -20,7 +20,10 @@ constexpr int kClearSize = 16;
 } // namespace
 
 SearchRow::SearchRow(const Theme& theme, std::function<void(const QString&)> edited, QWidget* parent)
-    : QWidget(parent), theme_(theme), edited_(std::move(edited)), field_(new QLineEdit(this)),
+    : QWidget(parent),
+      theme_(theme),
+      edited_(std::move(edited)),
+      field_(new QLineEdit(this)),
       clear_(makeIconButton(theme, Icon::clear, QStringLiteral("Clear search"),
                             QStringLiteral("clearSearchButton"), this)) {
     field_->setObjectName(QStringLiteral("sidebarSearchField"));

@@ -52,7 +52,8 @@ void TagFilterChip::paintEvent(QPaintEvent* /*event*/) {
     const double opacity = isChecked() ? 1.0 : (underMouse() ? kHoverOpacity : kGroundOpacity);
     stylepaint::roundedBox(painter, area, withOpacity(color_, opacity), Qt::transparent, radius);
     if (hasFocus()) {
-        stylepaint::focusRing(painter, area, isChecked() ? theme_.colors().text : theme_.colors().accent, radius);
+        stylepaint::focusRing(painter, area, isChecked() ? theme_.colors().text : theme_.colors().accent,
+                              radius);
     }
     painter.setPen(isChecked() ? inkOn(color_) : theme_.colors().text);
     const QRect room = rect().adjusted(kPadding, 0, -kPadding, 0);

@@ -40,13 +40,16 @@ QString displayLine(std::string_view utf8, qsizetype limit) {
     return text;
 }
 
-int drawLine(QPainter& painter, const QRect& area, const QString& text) {
+int drawLine(QPainter& painter, const QRect& area, const QString& text, Qt::LayoutDirection direction) {
     const QFontMetrics metrics = painter.fontMetrics();
     const QString shown = metrics.elidedText(text, Qt::ElideRight, area.width());
-    const auto direction = painter.layoutDirection();
-    painter.setLayoutDirection(text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
-    painter.drawText(area, Qt::AlignLeft | Qt::AlignAbsolute | Qt::AlignVCenter | Qt::TextSingleLine, shown);
+    const auto before = painter.layoutDirection();
+    if (direction == Qt::LayoutDirectionAuto) {
+        direction = text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight;
+    }
     painter.setLayoutDirection(direction);
+    painter.drawText(area, Qt::AlignLeft | Qt::AlignAbsolute | Qt::AlignVCenter | Qt::TextSingleLine, shown);
+    painter.setLayoutDirection(before);
     return std::min(metrics.horizontalAdvance(shown), area.width());
 }
 

@@ -78,7 +78,8 @@ QSize ElidedLabel::minimumSizeHint() const {
 void ElidedLabel::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setPen(palette().color(foregroundRole()));
-    drawLine(painter, contentsRect(), text());
+    drawLine(painter, contentsRect(), text(),
+             testAttribute(Qt::WA_SetLayoutDirection) ? layoutDirection() : Qt::LayoutDirectionAuto);
 }
 
 void Card::paintEvent(QPaintEvent* /*event*/) {

@@ -92,7 +92,7 @@ void buttonLabel(QPainter& painter, const QStyleOptionButton& option, ButtonRole
     if (!enabled) {
         color = withOpacity(color, isFilled(role) ? 0.8 : kDisabledOpacity);
     }
-    constexpr int flags = Qt::AlignCenter | Qt::TextShowMnemonic;
+    constexpr int flags = Qt::AlignCenter | Qt::TextHideMnemonic;
     QRect area = option.rect.adjusted(grid::kSmall, 0, -grid::kSmall, 0);
     if (!option.icon.isNull()) {
         const int side = option.iconSize.width();

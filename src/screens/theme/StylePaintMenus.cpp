@@ -69,7 +69,7 @@ void menuItem(QPainter& painter, const QStyleOptionMenuItem& option, const Theme
     painter.setPen(color);
     const int leading = mirrored ? Qt::AlignRight : Qt::AlignLeft;
     const int trailing = mirrored ? Qt::AlignLeft : Qt::AlignRight;
-    painter.drawText(area, Qt::AlignVCenter | Qt::TextShowMnemonic | leading,
+    painter.drawText(area, Qt::AlignVCenter | Qt::TextHideMnemonic | leading,
                      tab < 0 ? option.text : option.text.left(tab));
     if (tab >= 0) {
         painter.setPen(chosen ? colors.onAccent : colors.secondary);
@@ -86,7 +86,7 @@ void menuBarItem(QPainter& painter, const QStyleOptionMenuItem& option, const Pa
                    has(option, QStyle::State_Sunken) ? colors.pressed : colors.hover, Qt::transparent, kItemRadius);
     }
     painter.setPen(withOpacity(colors.text, has(option, QStyle::State_Enabled) ? 1.0 : kDisabledOpacity));
-    painter.drawText(option.rect, Qt::AlignCenter | Qt::TextShowMnemonic, option.text);
+    painter.drawText(option.rect, Qt::AlignCenter | Qt::TextHideMnemonic, option.text);
     painter.restore();
 }
 

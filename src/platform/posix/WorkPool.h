@@ -4,35 +4,31 @@
 
 #include "platform/Dispatch.h"
 
-#include <QThreadPool>
-
-#include <array>
-#include <deque>
-#include <mutex>
+#include <chrono>
+#include <cstddef>
+#include <memory>
 
 namespace fernwick::platform {
 
-class QtWorkPool {
+class WorkPool {
 public:
     // Work may block on outside commands, so there are many more threads than processors.
-    static constexpr int kThreads = 32;
+    static constexpr std::size_t kMostThreads = 32;
+    static constexpr std::chrono::seconds kIdleLife{5};
 
-    QtWorkPool();
-    QtWorkPool(const QtWorkPool&) = delete;
-    QtWorkPool& operator=(const QtWorkPool&) = delete;
+    WorkPool();
+    WorkPool(const WorkPool&) = delete;
+    WorkPool& operator=(const WorkPool&) = delete;
     // Drops work that has not begun, and waits for what has.
-    ~QtWorkPool();
+    ~WorkPool();
 
     // Runs the work on one of the threads.
     void start(Priority priority, Work work);
 
 private:
-    void runMostUrgent();
+    struct State;
 
-    std::mutex mutex_;
-    std::array<std::deque<Work>, 3> waiting_; // by priority, the least urgent first
-    bool closed_ = false;
-    QThreadPool threads_;
+    std::shared_ptr<State> state_; // shared with the threads
 };
 
 } // namespace fernwick::platform
