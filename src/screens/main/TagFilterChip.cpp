@@ -38,7 +38,8 @@ TagFilterChip::TagFilterChip(const Theme& theme, const QString& label, bool isSe
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     connect(this, &QAbstractButton::clicked, this, action);
-    // Assistive technology toggles without a click; to us it is one, and what is chosen is not the chip's to say.
+    // Assistive technology toggles without a click; to us it is one, and what is chosen is not the chip's to
+    // say.
     connect(this, &QAbstractButton::toggled, this, [this, isSelected, action = std::move(action)] {
         const QSignalBlocker blocker(this);
         setChecked(isSelected);
