@@ -35,7 +35,7 @@ void finish(benchmark::State& state, std::size_t bytes) {
 void encodeRecords(benchmark::State& state) {
     const auto tunnels = catalogueFor(state);
     std::size_t bytes = 0;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         const auto json = fernwick::support::encodeList(tunnels);
         bytes = json->size();
         benchmark::DoNotOptimize(json->data());
@@ -95,7 +95,7 @@ void put(RapidWriter& writer, const Tunnel& tunnel) {
 void encodeRapidJson(benchmark::State& state) {
     const auto tunnels = catalogueFor(state);
     std::size_t bytes = 0;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         rapidjson::StringBuffer buffer;
         RapidWriter writer(buffer);
         writer.StartArray();
@@ -112,7 +112,7 @@ void encodeRapidJson(benchmark::State& state) {
 void encodeNlohmann(benchmark::State& state) {
     const auto json = jsonFor(state);
     const auto document = nlohmann::ordered_json::parse(json);
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         const auto text = document.dump();
         benchmark::DoNotOptimize(text.data());
     }
@@ -121,7 +121,7 @@ void encodeNlohmann(benchmark::State& state) {
 
 void decodeRecords(benchmark::State& state) {
     const auto json = jsonFor(state);
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         auto tunnels = fernwick::support::decodeList<Tunnel>(json);
         if (!tunnels) {
             state.SkipWithError("the catalogue does not decode");
@@ -134,7 +134,7 @@ void decodeRecords(benchmark::State& state) {
 
 void decodeNlohmann(benchmark::State& state) {
     const auto json = jsonFor(state);
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         auto document = nlohmann::json::parse(json);
         benchmark::DoNotOptimize(&document);
     }

@@ -18,7 +18,7 @@ void filter(benchmark::State& state, std::string_view label, std::string_view ty
     icu::Locale::setDefault(icu::Locale(locale), status);
     const auto tunnels = fernwick::benchmarks::sampleTunnels(kTunnels, label);
     std::ptrdiff_t found = 0;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         const fernwick::support::CaselessNeedle needle(typed);
         found = std::ranges::count_if(tunnels, [&](const fernwick::Tunnel& tunnel) {
             return needle.isIn(tunnel.name) || needle.isIn(tunnel.host) || needle.isIn(tunnel.user);

@@ -8,3 +8,6 @@ fail() {
   exit 1
 }
 jobs() { nproc 2>/dev/null || echo 2; }
+
+# What ccache must overlook for a precompiled header to be of use to it.
+export CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime

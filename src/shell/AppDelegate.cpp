@@ -18,9 +18,8 @@ void makeKeyAndOrderFront(QWidget& window) {
     window.activateWindow();
 }
 
-AppDelegate::AppDelegate(platform::Dispatch& dispatch, RoutingLayer& routing,
-                         std::function<void()> checkForUpdates)
-    : dispatch_(dispatch), routing_(routing), checkForUpdates_(std::move(checkForUpdates)), self_(*this) {}
+AppDelegate::AppDelegate(platform::Dispatch& dispatch, RoutingLayer& routing)
+    : dispatch_(dispatch), routing_(routing), self_(*this) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
     dispatch_.mainAfter(kAdoptionDelay, [weak = self_.weak()] {

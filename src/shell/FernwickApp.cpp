@@ -66,9 +66,16 @@ struct FernwickApp::Scene {
           tags(*defaults),
           delegate(backends.dispatch, routing),
           windows(backends.dispatch, delegate),
-          mainWindow(
-              {theme, store, tunnels, keys, tags, backends.notifications, backends.dispatch, backends.clock},
-              routing, delegate, windows) {}
+          mainWindow({theme,
+                      store,
+                      tunnels,
+                      keys,
+                      tags,
+                      backends.notifications,
+                      backends.dispatch,
+                      backends.clock,
+                      {}},
+                     routing, delegate, windows) {}
 
     Theme theme;
     std::unique_ptr<platform::UserDefaults> defaults;

@@ -7,6 +7,7 @@ import time
 from harness import SshTest, main, stored, wait_until
 from lab import site
 from lab.app import App
+from lab.sshlab import start_site
 from lab.wire import free_port, listens
 
 REFUSED = "Process exited (code: 255) — Network error or host unreachable"
@@ -44,6 +45,12 @@ class Failures(SshTest):
         app = self.failing(self.tunnel("Taken", tunnelType=stored.REMOTE, localPort=str(free_port()),
                                        remotePort=taken), self.key)
         self.assert_refused(app, "remote port forwarding failed")
+
+    def test_local_port_that_is_taken_is_refused(self) -> None:
+        port = free_port()
+        start_site(self.session, port)
+        app = self.failing(self.tunnel("Held", localPort=str(port)), self.key)
+        self.assert_refused(app, "Address already in use")
 
     def test_unknown_host_is_refused(self) -> None:
         app = self.failing(self.tunnel("Unknown", host="no-such-host.invalid"), self.key)

@@ -2,6 +2,8 @@
 
 from __future__ import annotations
 
+import subprocess
+
 from harness import SshTest, main, stored, wait_until
 from lab import site
 from lab.app import App
@@ -77,6 +79,8 @@ class Forwards(SshTest):
         self.assertEqual(self.lab.jump.log().count("Accepted publickey"), logins + 1)
 
     def test_agent_logs_in_without_a_key_file(self) -> None:
+        # ssh takes the word after IdentityAgent for the path of the agent's socket, seen from the working directory.
+        (self.session.home / "default").symlink_to(self.session.environment["SSH_AUTH_SOCK"])
         record = self.local("Agent", authMethod="SSH Agent") | {"identityKeyID": stored.fresh_id()}
         app = self.start(record)
         self.connect(app, "Agent")
@@ -110,7 +114,9 @@ class Forwards(SshTest):
         known = self.session.home / ".ssh/known_hosts"
         known.unlink(missing_ok=True)
         self.connected(self.local("Known"))
-        self.assertIn(f"[127.0.0.1]:{self.lab.server.port}", known.read_text())
+        found = subprocess.run(["ssh-keygen", "-f", known, "-F", f"[127.0.0.1]:{self.lab.server.port}"],
+                               capture_output=True, text=True)
+        self.assertIn(self.lab.host_key.with_suffix(".pub").read_text().split()[1], found.stdout)
 
 
 if __name__ == "__main__":

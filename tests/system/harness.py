@@ -23,17 +23,18 @@ PICTURES = os.environ.get("FERNWICK_TEST_PICTURES")
 
 
 class SystemTest(unittest.TestCase):
-    """A session with a desktop for all cases of the class; each case starts and ends the application itself."""
+    """A session with a desktop for all cases of the file; each case starts and ends the application itself."""
 
     session: Session
     desktop: Desktop
 
     @classmethod
     def setUpClass(cls) -> None:
-        """Starts what all cases share."""
-        cls.session = Session()
-        cls.addClassCleanup(cls.session.close)
-        cls.desktop = Desktop(cls.session)
+        """Starts what all cases share; libatspi keeps to one desktop for the life of the process."""
+        if not hasattr(SystemTest, "session"):
+            SystemTest.session = Session()
+            unittest.addModuleCleanup(SystemTest.session.close)
+            SystemTest.desktop = Desktop(SystemTest.session)
 
     def setUp(self) -> None:
         """Begins with no preferences and no application."""
@@ -103,4 +104,4 @@ def main() -> None:
     namespace.enter()
     if not program().exists():
         sys.exit(f"{program()} is not built")
-    unittest.main(verbosity=2)
+    unittest.main(verbosity=2, warnings="ignore")

@@ -14,7 +14,7 @@ from lab.desktop import Desktop
 from lab.namespace import NESTED
 from lab.preferences import Preferences
 from lab.session import POWERLESS, Session, descendants, program_name
-from lab.waiting import wait_until
+from lab.waiting import wait_for, wait_until
 
 REPOSITORY = Path(__file__).resolve().parents[3]
 # The items of a row's context menu, by how far down they stand.
@@ -104,7 +104,7 @@ class App:
         """Clicks the middle of a widget with the mouse."""
         assert self.desktop is not None
         box = widget.get_component_iface().get_extents(_atspi().CoordType.SCREEN)
-        self.desktop.xdotool("mousemove", "--sync", box.x + box.width // 2, box.y + box.height // 2, "click", button)
+        self.desktop.xdotool("mousemove", box.x + box.width // 2, box.y + box.height // 2, "click", button)
 
     def choose(self, row: Widget, item: str) -> None:
         """Chooses an item of the context menu of a sidebar row, with the keyboard.
@@ -125,7 +125,7 @@ class App:
     def window(self, title: str = "Fernwick") -> str:
         """The X id of the window with exactly that title; empty while it is hidden."""
         assert self.desktop is not None
-        found = self.desktop.xdotool("search", "--onlyvisible", "--pid", self.pid, "--name", f"^{title}$")
+        found = self.desktop.xdotool("search", "--all", "--onlyvisible", "--pid", self.pid, "--name", f"^{title}$")
         return found.split("\n")[0]
 
     def keys(self, *chords: str) -> None:
@@ -138,12 +138,12 @@ class App:
     def row(self, name: str) -> Widget:
         """The sidebar's row of a tunnel; waits for it."""
         def look() -> list[Widget]:
-            return [row for row in self._sidebar() if _title(row) == name]
+            return [row for row in self._sidebar() if _title(row.get_name()) == name]
         return wait_until(look, f"the sidebar has a row {name!r}", 5.0)[0]
 
     def rows(self) -> list[str]:
         """The names of the tunnels in the sidebar, from the top down."""
-        return [_title(row) for row in self._sidebar()]
+        return [_title(row.get_name()) for row in self._sidebar()]
 
     def _sidebar(self) -> list[Widget]:
         lists = self.all("Tunnels", "list")
@@ -151,14 +151,35 @@ class App:
 
     def select(self, name: str) -> None:
         """Shows a tunnel in the detail column."""
-        self.click(self.row(name))
+        def clicked() -> bool:
+            self.click(self.row(name))
+            return wait_for(lambda: _selected(self.row(name)), 0.5)
+        # a window that has just come up may still be on its way to its place
+        wait_until(clicked, f"{name!r} is selected")
         wait_until(lambda: self.has("Connect") or self.has("Stop"), f"the detail column shows {name!r}")
 
-    def start_all(self, count: int) -> None:
-        """Starts the first `count` tunnels of the sidebar from their context menus, with the keyboard alone."""
+    def start_all(self) -> None:
+        """Starts every tunnel of the sidebar, one after the other, from its context menu with the keyboard alone."""
         assert self.desktop is not None
-        self.click(self._sidebar()[0])
-        self.desktop.xdotool("key", "--delay", "1", *["Menu", "Down", "Return", "Down"] * count)
+        rows = self.find("Tunnels", "list")
+        self.click(rows.get_child_at_index(0))
+        # the pointer must not lie where a menu opens, or it would choose an item too
+        self.desktop.xdotool("mousemove", 0, 0)
+        for index in range(rows.get_child_count()):
+            row = rows.get_child_at_index(index)
+            if not wait_for(lambda row=row: _selected(row), 0.5):
+                # when a menu has closed, the keyboard takes a moment to come back to the window
+                self.desktop.xdotool("key", "Down")
+                wait_until(lambda row=row: _selected(row), f"row {index} is selected")
+            self.desktop.xdotool("key", "--delay", "2", "Menu", "Down", "Return")
+            wait_until(lambda row=row: _state(row.get_name()) != "Idle", f"the tunnel in row {index} starts")
+            self.desktop.xdotool("key", "Down")
+
+    def states(self) -> dict[str, str]:
+        """The status of each tunnel in the sidebar by its name, those scrolled out of sight included."""
+        rows = self.find("Tunnels", "list")
+        names = [rows.get_child_at_index(index).get_name() for index in range(rows.get_child_count())]
+        return {_title(name): _state(name) for name in names}
 
     def log(self) -> list[str]:
         """The messages in the log of the selected tunnel that are on the screen, or near it."""
@@ -230,6 +251,10 @@ def enabled(node: Widget) -> bool:
     return bool(node.get_state_set().contains(_atspi().StateType.ENABLED))
 
 
+def _selected(node: Widget) -> bool:
+    return bool(node.get_state_set().contains(_atspi().StateType.SELECTED))
+
+
 def checked(node: Widget) -> bool:
     """Whether a check box or a toggle button is on."""
     return bool(node.get_state_set().contains(_atspi().StateType.CHECKED))
@@ -251,9 +276,13 @@ def text_of(widget: Widget) -> str:
     return str(text.get_text(0, text.get_character_count()))
 
 
-def _title(row: Widget) -> str:
+def _title(row: str) -> str:
     """A row reads "name, status, user@host"."""
-    return str(row.get_name()).rsplit(", ", 2)[0]
+    return row.rsplit(", ", 2)[0]
+
+
+def _state(row: str) -> str:
+    return row.rsplit(", ", 2)[1]
 
 
 def _atspi() -> Any:

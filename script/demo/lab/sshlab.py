@@ -35,7 +35,7 @@ class Server:
         """Starts the server and waits until it accepts connections."""
         config = self.folder / "sshd_config"
         config.write_text(
-            f"Port {self.port}\nListenAddress 127.0.0.1\nHostKey {self.host_key}\n"
+            f"Port {self.port}\nAddressFamily inet\nListenAddress 127.0.0.1\nHostKey {self.host_key}\n"
             f"PidFile {self.folder}/pid\nAuthorizedKeysFile {self.authorized}\n"
             "StrictModes no\nUsePAM no\nPasswordAuthentication no\nKbdInteractiveAuthentication no\n"
             "PermitRootLogin yes\nUseDNS no\nLogLevel VERBOSE\nPrintMotd no\n"

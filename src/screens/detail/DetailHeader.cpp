@@ -19,6 +19,7 @@ DetailHeader::DetailHeader(const Theme& theme, std::function<void()> onToggleSid
     name_->setFont(theme.font(15, QFont::DemiBold));
     login_->setObjectName(QStringLiteral("detailLogin"));
     login_->setFont(theme.font(11));
+    login_->setLayoutDirection(Qt::LeftToRight);
     login_->setForegroundRole(QPalette::PlaceholderText);
 
     auto* lines = new QVBoxLayout;
@@ -39,8 +40,8 @@ void DetailHeader::setTunnel(const Tunnel* tunnel) {
     login_->setVisible(tunnel != nullptr);
     if (tunnel != nullptr) {
         name_->setText(displayLine(tunnel->name));
-        login_->setText(displayLine(tunnel->user) + QLatin1Char('@') + displayLine(tunnel->host) + QLatin1Char(':') +
-                        displayLine(tunnel->sshPort));
+        login_->setText(displayLine(tunnel->user) + QLatin1Char('@') + displayLine(tunnel->host) +
+                        QLatin1Char(':') + displayLine(tunnel->sshPort));
     }
 }
 

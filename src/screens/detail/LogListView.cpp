@@ -21,7 +21,9 @@ constexpr int kScrollMilliseconds = 250;
 } // namespace
 
 LogListView::LogListView(const Theme& theme, LogListModel& model, QWidget* parent)
-    : QListView(parent), model_(model), rows_(new LogRowDelegate(theme, model, this)),
+    : QListView(parent),
+      model_(model),
+      rows_(new LogRowDelegate(theme, model, this)),
       scrolling_(verticalScrollBar(), "value") {
     setFrameShape(QFrame::NoFrame);
     setSelectionMode(QAbstractItemView::ExtendedSelection);
@@ -62,8 +64,10 @@ void LogListView::copySelection() const {
 }
 
 void LogListView::resizeEvent(QResizeEvent* event) {
-    rows_->setRowWidth(viewport()->width());
     QListView::resizeEvent(event);
+    if (rows_->setRowWidth(viewport()->width())) {
+        scheduleDelayedItemsLayout();
+    }
 }
 
 void LogListView::keyPressEvent(QKeyEvent* event) {

@@ -39,14 +39,20 @@ LogLevelLook lookOf(LogLevel level) {
 }
 
 LogRowDelegate::LogRowDelegate(const Theme& theme, const LogListModel& model, QObject* parent)
-    : QStyledItemDelegate(parent), theme_(theme), model_(model), font_(theme.monospaced(11)), metrics_(font_),
+    : QStyledItemDelegate(parent),
+      theme_(theme),
+      model_(model),
+      font_(theme.monospaced(11)),
+      metrics_(font_),
       timeWidth_(std::max(kTimeWidth, metrics_.horizontalAdvance(QStringLiteral("00:00:00")))) {}
 
-void LogRowDelegate::setRowWidth(int width) {
-    if (width != rowWidth_) {
-        rowWidth_ = width;
-        heights_.clear();
+bool LogRowDelegate::setRowWidth(int width) {
+    if (width == rowWidth_) {
+        return false;
     }
+    rowWidth_ = width;
+    heights_.clear();
+    return true;
 }
 
 int LogRowDelegate::messageLeft() const {
@@ -83,7 +89,8 @@ QSize LogRowDelegate::sizeHint(const QStyleOptionViewItem& /*option*/, const QMo
     return {1, *found + 2 * kRowPadding};
 }
 
-void LogRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+void LogRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                           const QModelIndex& index) const {
     const Palette& colors = theme_.colors();
     const LogLine& line = model_.line(index.row());
     const LogLevelLook look = lookOf(line.level);
@@ -96,11 +103,11 @@ void LogRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option
     const int left = option.rect.left();
     painter->setFont(font_);
     painter->setPen(colors.secondary);
-    painter->drawText(QRect(left + kSidePadding, top, timeWidth_, metrics_.height()), Qt::AlignLeft | Qt::AlignVCenter,
-                      line.time);
-    theme_.icons().paint(
-        *painter, look.icon, colors.*look.iconColor,
-        QRectF(left + kSidePadding + timeWidth_ + kGap, top, kIconSize, metrics_.height()), kIconSize);
+    painter->drawText(QRect(left + kSidePadding, top, timeWidth_, metrics_.height()),
+                      Qt::AlignLeft | Qt::AlignVCenter, line.time);
+    theme_.icons().paint(*painter, look.icon, colors.*look.iconColor,
+                         QRectF(left + kSidePadding + timeWidth_ + kGap, top, kIconSize, metrics_.height()),
+                         kIconSize);
     QTextLayout layout(line.message);
     layOut(layout);
     painter->setPen(colors.*look.messageColor);

@@ -26,8 +26,9 @@ class LogRowDelegate final : public QStyledItemDelegate {
 public:
     LogRowDelegate(const Theme& theme, const LogListModel& model, QObject* parent);
 
-    // The width that rows have from now on. Heights are kept until it changes.
-    void setRowWidth(int width);
+    // The width that rows have from now on. Returns whether it is another one; then all heights are other ones,
+    // too.
+    bool setRowWidth(int width);
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;

@@ -96,7 +96,8 @@ QLineEdit* AddTunnelSheet::addRow(QGridLayout& grid, const Row& row) {
 
 QWidget* AddTunnelSheet::buildButtons() {
     auto* buttons = new QWidget(this);
-    auto* cancel = makeButton(QStringLiteral("Cancel"), ButtonRole::plain, QStringLiteral("cancelButton"), buttons);
+    auto* cancel =
+        makeButton(QStringLiteral("Cancel"), ButtonRole::plain, QStringLiteral("cancelButton"), buttons);
     createButton_ = makeButton(QStringLiteral("Create Tunnel"), ButtonRole::prominent,
                                QStringLiteral("createTunnelButton"), buttons);
     createButton_->setEnabled(false);

@@ -13,7 +13,8 @@ constexpr int kIconSize = 28;
 } // namespace
 
 EmptyListView::EmptyListView(const Theme& theme, QWidget* parent)
-    : QWidget(parent), icon_(new IconView(theme, Icon::networkOff, kIconSize, &Palette::secondary, this)),
+    : QWidget(parent),
+      icon_(new IconView(theme, Icon::networkOff, kIconSize, &Palette::secondary, this)),
       text_(makeCaption(QString(), theme.font(12), this)) {
     setObjectName(QStringLiteral("tunnelListEmpty"));
     text_->setObjectName(QStringLiteral("tunnelListEmptyText"));

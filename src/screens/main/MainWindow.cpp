@@ -31,7 +31,8 @@ void MainWindow::buildMenus() {
     quit->setMenuRole(QAction::QuitRole);
 
     auto* view = menuBar()->addMenu(QStringLiteral("&View"));
-    auto* sidebar = view->addAction(QStringLiteral("Show or Hide Sidebar"), this, [this] { content_->toggleSidebar(); });
+    auto* sidebar =
+        view->addAction(QStringLiteral("Show or Hide Sidebar"), this, [this] { content_->toggleSidebar(); });
     sidebar->setShortcut(QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_S));
     auto* search = view->addAction(QStringLiteral("Search Tunnels"), this, [this] { content_->focusSearch(); });
     search->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));

@@ -27,8 +27,9 @@ struct MainWindowContext {
     platform::Dispatch& dispatch;
     const platform::Clock& clock;
 
-    // Shows the window of proxies and rules, given the id and name of every tunnel. May be empty: then nothing shows.
-    std::function<void(std::vector<std::pair<support::Uuid, std::string>>)> showProxyRules;
+    // Shows the window of proxies and rules, given the id and name of every tunnel. Without it, its button does
+    // nothing.
+    std::function<void(std::vector<std::pair<support::Uuid, std::string>>)> showProxyRules = nullptr;
 };
 
 } // namespace fernwick

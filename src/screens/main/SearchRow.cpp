@@ -20,7 +20,10 @@ constexpr int kClearSize = 16;
 } // namespace
 
 SearchRow::SearchRow(const Theme& theme, std::function<void(const QString&)> edited, QWidget* parent)
-    : QWidget(parent), theme_(theme), edited_(std::move(edited)), field_(new QLineEdit(this)),
+    : QWidget(parent),
+      theme_(theme),
+      edited_(std::move(edited)),
+      field_(new QLineEdit(this)),
       clear_(makeIconButton(theme, Icon::clear, QStringLiteral("Clear search"),
                             QStringLiteral("clearSearchButton"), this)) {
     field_->setObjectName(QStringLiteral("sidebarSearchField"));
@@ -44,12 +47,14 @@ SearchRow::SearchRow(const Theme& theme, std::function<void(const QString&)> edi
     layout->addWidget(field_);
     layout->addWidget(clear_);
 
-    connect(field_, &QLineEdit::textChanged, this, [this](const QString& text) { clear_->setVisible(!text.isEmpty()); });
-    connect(field_, &QLineEdit::textEdited, this, [this](const QString& text) { edited_(text); });
+    // Not textEdited, which is silent when assistive technology sets the text.
+    connect(field_, &QLineEdit::textChanged, this, [this](const QString& text) {
+        clear_->setVisible(!text.isEmpty());
+        edited_(text);
+    });
     connect(clear_, &QToolButton::clicked, this, [this] {
         field_->clear();
         field_->setFocus();
-        edited_(QString());
     });
 }
 

@@ -20,11 +20,14 @@
 namespace fernwick {
 
 SidebarView::SidebarView(const MainWindowContext& context, SidebarCallbacks callbacks, QWidget* parent)
-    : QWidget(parent), context_(context), callbacks_(std::move(callbacks)),
+    : QWidget(parent),
+      context_(context),
+      callbacks_(std::move(callbacks)),
       model_(new TunnelListModel(context.tunnels, context.tags, this)) {
     setObjectName(QStringLiteral("sidebar"));
     setMinimumWidth(kMinimumWidth);
     setMaximumWidth(kMaximumWidth);
+    auto* toolbar = buildToolbar();
     search_ = new SearchRow(
         context.theme, [this](const QString& text) { callbacks_.onSearch(text.toStdString()); }, this);
     strip_ = new TagStrip(
@@ -34,7 +37,7 @@ SidebarView::SidebarView(const MainWindowContext& context, SidebarCallbacks call
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(buildToolbar());
+    layout->addWidget(toolbar);
     layout->addWidget(buildStatistics());
     layout->addWidget(new Divider(context.theme, this));
     layout->addWidget(search_);
@@ -101,10 +104,11 @@ void SidebarView::tellSelection() {
         return;
     }
     const auto chosen = list_->selectionModel()->selectedIndexes();
-    callbacks_.onSelect(chosen.isEmpty() ? std::nullopt : std::optional(model_->tunnel(chosen.first().row()).id));
+    callbacks_.onSelect(chosen.isEmpty() ? std::nullopt
+                                         : std::optional(model_->tunnel(chosen.first().row()).id));
 }
 
-void SidebarView::show(std::vector<Tunnel> filteredTunnels, const TunnelStatistics& statistics,
+void SidebarView::show(const TunnelSelection& filteredTunnels, const TunnelStatistics& statistics,
                        const ContentState& state) {
     search_->setText(QString::fromStdString(state.searchText));
     const auto& tags = context_.tags.tags();
@@ -114,7 +118,7 @@ void SidebarView::show(std::vector<Tunnel> filteredTunnels, const TunnelStatisti
     empty_->setSearching(!state.searchText.empty());
     pages_->setCurrentIndex(filteredTunnels.empty() ? 1 : 0);
     showing_ = true;
-    model_->setTunnels(std::move(filteredTunnels));
+    model_->setTunnels(filteredTunnels);
     showSelection(state.selectedTunnelID);
     showing_ = false;
     showStatuses({}, statistics);
@@ -128,13 +132,14 @@ void SidebarView::showSelection(const std::optional<support::Uuid>& selected) {
         return;
     }
     selection->setCurrentIndex(wanted, wanted.isValid() ? QItemSelectionModel::ClearAndSelect
-                                                         : QItemSelectionModel::Clear);
+                                                        : QItemSelectionModel::Clear);
     if (wanted.isValid()) {
         list_->scrollTo(wanted);
     }
 }
 
-void SidebarView::showStatuses(const std::unordered_set<support::Uuid>& ids, const TunnelStatistics& statistics) {
+void SidebarView::showStatuses(const std::unordered_set<support::Uuid>& ids,
+                               const TunnelStatistics& statistics) {
     model_->refreshStatuses(ids);
     total_->setValue(statistics.total);
     active_->setValue(statistics.active);
@@ -148,21 +153,27 @@ void SidebarView::focusSearch() {
     search_->focusField();
 }
 
+void SidebarView::focusList() {
+    list_->setFocus();
+}
+
 void SidebarView::openMenu(int row, QPoint where) {
     const Tunnel tunnel = model_->tunnel(row);
     auto* menu = new QMenu(this);
     menu->setObjectName(QStringLiteral("tunnelMenu"));
     menu->setAttribute(Qt::WA_DeleteOnClose);
     const bool active = context_.tunnels.isActive(tunnel.id);
-    menu->addAction(active ? QStringLiteral("Stop Tunnel") : QStringLiteral("Start Tunnel"), this, [this, tunnel] {
-        if (context_.tunnels.isActive(tunnel.id)) {
-            context_.tunnels.disconnect(tunnel.id);
-        } else {
-            context_.tunnels.connect(tunnel, context_.store);
-        }
-    });
+    menu->addAction(active ? QStringLiteral("Stop Tunnel") : QStringLiteral("Start Tunnel"), this,
+                    [this, tunnel] {
+                        if (context_.tunnels.isActive(tunnel.id)) {
+                            context_.tunnels.disconnect(tunnel.id);
+                        } else {
+                            context_.tunnels.connect(tunnel, context_.store);
+                        }
+                    });
     menu->addSeparator();
-    menu->addAction(QStringLiteral("Duplicate"), this, [this, tunnel] { context_.store.add(duplicateOf(tunnel)); });
+    menu->addAction(QStringLiteral("Duplicate"), this,
+                    [this, tunnel] { context_.store.add(duplicateOf(tunnel)); });
     menu->addSeparator();
     menu->addAction(QStringLiteral("Delete"), this, [this, tunnel] { callbacks_.onDelete(tunnel); });
     menu->popup(where);

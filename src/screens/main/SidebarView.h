@@ -40,7 +40,8 @@ public:
     SidebarView(const MainWindowContext& context, SidebarCallbacks callbacks, QWidget* parent);
 
     // Shows these tunnels and the state that goes with them.
-    void show(std::vector<Tunnel> filteredTunnels, const TunnelStatistics& statistics, const ContentState& state);
+    void show(const TunnelSelection& filteredTunnels, const TunnelStatistics& statistics,
+              const ContentState& state);
 
     // Repaints the rows of these tunnels.
     void showStatuses(const std::unordered_set<support::Uuid>& ids, const TunnelStatistics& statistics);
@@ -48,7 +49,9 @@ public:
     // Shows changed tags in the rows.
     void showTags();
 
+    // Give the keyboard to the search field, or to the list.
     void focusSearch();
+    void focusList();
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -6,7 +6,9 @@
 namespace fernwick {
 
 StatBadge::StatBadge(const Theme& theme, const QString& label, NamedColor color, QWidget* parent)
-    : QWidget(parent), theme_(theme), color_(color),
+    : QWidget(parent),
+      theme_(theme),
+      color_(color),
       number_(makeLabel(QStringLiteral("0"), theme.font(17, QFont::DemiBold), this)) {
     auto* caption = makeCaption(label, theme.font(11), this);
     number_->setAlignment(Qt::AlignCenter);

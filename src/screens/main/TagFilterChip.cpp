@@ -4,6 +4,7 @@
 #include "screens/theme/StylePaint.h"
 
 #include <QPainter>
+#include <QSignalBlocker>
 
 #include <algorithm>
 
@@ -36,7 +37,14 @@ TagFilterChip::TagFilterChip(const Theme& theme, const QString& label, bool isSe
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    connect(this, &QAbstractButton::clicked, this, std::move(action));
+    connect(this, &QAbstractButton::clicked, this, action);
+    // Assistive technology toggles without a click; to us it is one, and what is chosen is not the chip's to
+    // say.
+    connect(this, &QAbstractButton::toggled, this, [this, isSelected, action = std::move(action)] {
+        const QSignalBlocker blocker(this);
+        setChecked(isSelected);
+        action();
+    });
 }
 
 QSize TagFilterChip::sizeHint() const {
@@ -51,7 +59,8 @@ void TagFilterChip::paintEvent(QPaintEvent* /*event*/) {
     const double opacity = isChecked() ? 1.0 : (underMouse() ? kHoverOpacity : kGroundOpacity);
     stylepaint::roundedBox(painter, area, withOpacity(color_, opacity), Qt::transparent, radius);
     if (hasFocus()) {
-        stylepaint::focusRing(painter, area, isChecked() ? theme_.colors().text : theme_.colors().accent, radius);
+        stylepaint::focusRing(painter, area, isChecked() ? theme_.colors().text : theme_.colors().accent,
+                              radius);
     }
     painter.setPen(isChecked() ? inkOn(color_) : theme_.colors().text);
     const QRect room = rect().adjusted(kPadding, 0, -kPadding, 0);

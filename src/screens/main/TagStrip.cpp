@@ -45,7 +45,6 @@ void TagStrip::rebuild() {
     const QString focusedName = focused != nullptr && focused->hasFocus() ? focused->objectName() : QString();
     const int scrolled = horizontalScrollBar()->value();
     auto* row = new QWidget;
-    row->setAutoFillBackground(false);
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(kSidePadding, kTopPadding, kSidePadding, kTopPadding);
     layout->setSpacing(kSpacing);
@@ -54,6 +53,7 @@ void TagStrip::rebuild() {
         old->deleteLater(); // a chip of it may be the one whose click brought us here
     }
     setWidget(row);
+    row->setAutoFillBackground(false); // the area has just given it a ground
     addChip(QStringLiteral("All"), QStringLiteral("All"), !selected_, theme_.colors().blue, std::nullopt);
     for (const TunnelTag& tag : tags_) {
         const bool isSelected = selected_ && selected_->id == tag.id;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <span>
 
 namespace fernwick {
 
@@ -16,17 +17,24 @@ struct Difference {
     int added = 0;   // rows behind them that only the new list has
 };
 
-Difference differenceOf(const std::vector<Tunnel>& before, const std::vector<Tunnel>& after) {
-    const auto sameId = [](const Tunnel& left, const Tunnel& right) { return left.id == right.id; };
+Difference differenceOf(const std::vector<Tunnel>& before, const TunnelSelection& after) {
+    const auto sameId = [](const Tunnel& left, const Tunnel* right) { return left.id == right->id; };
     const auto [oldStop, newStop] = std::ranges::mismatch(before, after, sameId);
     auto oldEnd = before.end();
     auto newEnd = after.end();
-    while (oldEnd != oldStop && newEnd != newStop && std::prev(oldEnd)->id == std::prev(newEnd)->id) {
+    while (oldEnd != oldStop && newEnd != newStop && sameId(*std::prev(oldEnd), *std::prev(newEnd))) {
         --oldEnd;
         --newEnd;
     }
     return {static_cast<int>(oldStop - before.begin()), static_cast<int>(oldEnd - oldStop),
             static_cast<int>(newEnd - newStop)};
+}
+
+std::vector<Tunnel> copiesOf(std::span<const Tunnel* const> tunnels) {
+    std::vector<Tunnel> copies;
+    copies.reserve(tunnels.size());
+    std::ranges::transform(tunnels, std::back_inserter(copies), [](const Tunnel* tunnel) { return *tunnel; });
+    return copies;
 }
 
 QString text(std::string_view utf8) {
@@ -38,36 +46,34 @@ QString text(std::string_view utf8) {
 TunnelListModel::TunnelListModel(const TunnelManager& manager, const TagManager& tags, QObject* parent)
     : QAbstractListModel(parent), manager_(manager), tags_(tags) {}
 
-void TunnelListModel::setTunnels(std::vector<Tunnel> tunnels) {
-    const Difference difference = differenceOf(tunnels_, tunnels);
-    if (difference.removed > 0 && difference.added > 0) {
+void TunnelListModel::setTunnels(const TunnelSelection& tunnels) {
+    const auto [prefix, removed, added] = differenceOf(tunnels_, tunnels);
+    if (removed > 0 && added > 0) {
         beginResetModel();
-        tunnels_ = std::move(tunnels);
+        tunnels_ = copiesOf(tunnels);
         endResetModel();
         return;
     }
-    std::vector<Tunnel> before;
-    if (difference.removed > 0) {
-        beginRemoveRows({}, difference.prefix, difference.prefix + difference.removed - 1);
-        const auto first = tunnels_.begin() + difference.prefix;
-        tunnels_.erase(first, first + difference.removed);
-        before = std::exchange(tunnels_, std::move(tunnels));
+    if (removed > 0) {
+        beginRemoveRows({}, prefix, prefix + removed - 1);
+        tunnels_.erase(tunnels_.begin() + prefix, tunnels_.begin() + prefix + removed);
         endRemoveRows();
-    } else if (difference.added > 0) {
-        beginInsertRows({}, difference.prefix, difference.prefix + difference.added - 1);
-        before = std::exchange(tunnels_, std::move(tunnels));
-        const auto first = tunnels_.begin() + difference.prefix;
-        before.insert(before.begin() + difference.prefix, first, first + difference.added);
+    } else if (added > 0) {
+        const auto copies = copiesOf(
+            std::span(tunnels).subspan(static_cast<std::size_t>(prefix), static_cast<std::size_t>(added)));
+        beginInsertRows({}, prefix, prefix + added - 1);
+        tunnels_.insert(tunnels_.begin() + prefix, copies.begin(), copies.end());
         endInsertRows();
-    } else {
-        before = std::exchange(tunnels_, std::move(tunnels));
     }
-    tellChangedRows(before);
+    takeChanges(tunnels);
 }
 
-void TunnelListModel::tellChangedRows(const std::vector<Tunnel>& before) {
+// Copies only what differs: a keystroke in one of ten thousand tunnels costs one copy.
+void TunnelListModel::takeChanges(const TunnelSelection& tunnels) {
     for (int row = 0; row < rowCount(); ++row) {
-        if (before[static_cast<std::size_t>(row)] != tunnel(row)) {
+        auto& held = tunnels_[static_cast<std::size_t>(row)];
+        if (const Tunnel& given = *tunnels[static_cast<std::size_t>(row)]; held != given) {
+            held = given;
             Q_EMIT dataChanged(index(row), index(row));
         }
     }

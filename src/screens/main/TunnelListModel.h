@@ -1,10 +1,11 @@
-// The rows of the sidebar: the filtered tunnels in their order. A new list is compared with the old one, so that
-// an edit, an added and a removed tunnel leave the other rows, their selection and the scroll position alone.
-// Threads: main thread only.
+// The rows of the sidebar: the filtered tunnels in their order. A new list is compared with the old one, so
+// that an edit, an added and a removed tunnel leave the other rows, their selection and the scroll position
+// alone. Threads: main thread only.
 #pragma once
 
 #include "catalogue/TagManager.h"
 #include "catalogue/Tunnel.h"
+#include "screens/main/TunnelRules.h"
 #include "tunnel/TunnelManager.h"
 
 #include <QAbstractListModel>
@@ -22,8 +23,8 @@ public:
 
     TunnelListModel(const TunnelManager& manager, const TagManager& tags, QObject* parent);
 
-    // Shows these tunnels.
-    void setTunnels(std::vector<Tunnel> tunnels);
+    // Shows copies of these tunnels.
+    void setTunnels(const TunnelSelection& tunnels);
 
     // Says that the status of these tunnels changed.
     void refreshStatuses(const std::unordered_set<support::Uuid>& ids);
@@ -46,7 +47,7 @@ public:
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
 
 private:
-    void tellChangedRows(const std::vector<Tunnel>& before);
+    void takeChanges(const TunnelSelection& tunnels);
     [[nodiscard]] QString accessibleText(int row) const;
 
     const TunnelManager& manager_;

@@ -20,6 +20,7 @@ TunnelListView::TunnelListView(const Theme& theme, QWidget* parent) : QListView(
     setMouseTracking(true);
     setAttribute(Qt::WA_Hover);
     viewport()->setAutoFillBackground(false);
+    setViewportMargins(0, grid::kTight, 0, 0);
 }
 
 void TunnelListView::dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight,

@@ -22,7 +22,8 @@ public:
     std::function<void(int, QPoint)> onMenu;
 
     // A change of status alone repaints its row and leaves the layout as it is.
-    void dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight, const QList<int>& roles) override;
+    void dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight,
+                     const QList<int>& roles) override;
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;

@@ -29,11 +29,6 @@ constexpr int kTagGap = 4;
 constexpr double kTagGroundOpacity = 0.15;
 constexpr double kRowRadius = 8.0;
 
-// Text of either direction, at the leading edge, on one line.
-void drawLine(QPainter& painter, const QRect& area, const QString& text) {
-    painter.drawText(area, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, text);
-}
-
 } // namespace
 
 Icon iconOf(TunnelType type) {
@@ -51,9 +46,15 @@ Icon iconOf(TunnelType type) {
 }
 
 TunnelRowDelegate::TunnelRowDelegate(const Theme& theme, const TunnelListModel& model, QObject* parent)
-    : QStyledItemDelegate(parent), theme_(theme), model_(model), nameFont_(theme.font(13, QFont::Medium)),
-      loginFont_(theme.font(11)), tagFont_(theme.font(9, QFont::Medium)), nameMetrics_(nameFont_),
-      loginMetrics_(loginFont_), tagMetrics_(tagFont_) {}
+    : QStyledItemDelegate(parent),
+      theme_(theme),
+      model_(model),
+      nameFont_(theme.font(13, QFont::Medium)),
+      loginFont_(theme.font(11)),
+      tagFont_(theme.font(9, QFont::Medium)),
+      nameMetrics_(nameFont_),
+      loginMetrics_(loginFont_),
+      tagMetrics_(tagFont_) {}
 
 QSize TunnelRowDelegate::sizeHint(const QStyleOptionViewItem& /*option*/, const QModelIndex& index) const {
     int height = 2 * kRowPadding + nameMetrics_.height() + kLineGap + loginMetrics_.height();
@@ -85,7 +86,8 @@ void TunnelRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opt
     paintMark(*painter,
               QRectF(content.left(), content.top() + (textHeight - kMarkSize) / 2, kMarkSize, kMarkSize),
               model_.status(index.row()));
-    QRect line(content.left() + kTextIndent, content.top(), content.width() - kTextIndent, nameMetrics_.height());
+    QRect line(content.left() + kTextIndent, content.top(), content.width() - kTextIndent,
+               nameMetrics_.height());
     paintName(*painter, line, tunnel);
     line.translate(0, nameMetrics_.height() + kLineGap);
     line.setHeight(loginMetrics_.height());
@@ -117,14 +119,13 @@ void TunnelRowDelegate::paintMark(QPainter& painter, const QRectF& area,
 
 void TunnelRowDelegate::paintName(QPainter& painter, const QRect& line, const Tunnel& tunnel) const {
     const int room = line.width() - kTypeIconSize - grid::kTight - 1;
-    const QString name = nameMetrics_.elidedText(displayLine(tunnel.name), Qt::ElideRight, room);
     painter.setFont(nameFont_);
     painter.setPen(theme_.colors().text);
-    drawLine(painter, QRect(line.left(), line.top(), room, line.height()), name);
-    const int used = std::min(nameMetrics_.horizontalAdvance(name), room);
-    theme_.icons().paint(painter, iconOf(tunnel.tunnelType), theme_.colors().secondary,
-                         QRectF(line.left() + used + grid::kTight + 1, line.top(), kTypeIconSize, line.height()),
-                         kTypeIconSize);
+    const int used =
+        drawLine(painter, QRect(line.left(), line.top(), room, line.height()), displayLine(tunnel.name));
+    theme_.icons().paint(
+        painter, iconOf(tunnel.tunnelType), theme_.colors().secondary,
+        QRectF(line.left() + used + grid::kTight + 1, line.top(), kTypeIconSize, line.height()), kTypeIconSize);
 }
 
 void TunnelRowDelegate::paintLogin(QPainter& painter, const QRect& line, const Tunnel& tunnel) const {
@@ -134,9 +135,9 @@ void TunnelRowDelegate::paintLogin(QPainter& painter, const QRect& line, const T
     const QRect area = line.adjusted(kRackIconSize + grid::kTight, 0, 0, 0);
     painter.setFont(loginFont_);
     painter.setPen(color);
-    // Each part keeps its own direction and its own limit, so that neither can hide the other.
-    const QString login = displayLine(tunnel.user) + QLatin1Char('@') + displayLine(tunnel.host);
-    drawLine(painter, area, loginMetrics_.elidedText(login, Qt::ElideRight, area.width()));
+    // Each part has a limit of its own, so that a long user cannot hide the host.
+    drawLine(painter, area, displayLine(tunnel.user) + QLatin1Char('@') + displayLine(tunnel.host),
+             Qt::LeftToRight);
 }
 
 void TunnelRowDelegate::paintTags(QPainter& painter, const QRect& line, int row) const {

@@ -18,16 +18,16 @@ bool bears(const Tunnel& tunnel, const support::Uuid& tag) {
 
 } // namespace
 
-std::vector<Tunnel> filteredTunnels(const std::vector<Tunnel>& tunnels, std::string_view searchText,
-                                    const std::optional<TunnelTag>& selectedTag) {
+TunnelSelection filteredTunnels(const std::vector<Tunnel>& tunnels, std::string_view searchText,
+                                const std::optional<TunnelTag>& selectedTag) {
     std::optional<support::CaselessNeedle> needle;
     if (!searchText.empty()) {
         needle.emplace(searchText);
     }
-    std::vector<Tunnel> kept;
+    TunnelSelection kept;
     for (const Tunnel& tunnel : tunnels) {
         if ((!needle || matches(tunnel, *needle)) && (!selectedTag || bears(tunnel, selectedTag->id))) {
-            kept.push_back(tunnel);
+            kept.push_back(&tunnel);
         }
     }
     return kept;

@@ -14,10 +14,13 @@
 
 namespace fernwick {
 
+// Some of a list's tunnels, in its order; good until the list changes.
+using TunnelSelection = std::vector<const Tunnel*>;
+
 // The tunnels, in their order, whose name, host or user contains the search text (letter case aside, by the
 // user's locale; an empty text is in everything) and that bear the tag, if one is chosen.
-[[nodiscard]] std::vector<Tunnel> filteredTunnels(const std::vector<Tunnel>& tunnels, std::string_view searchText,
-                                                  const std::optional<TunnelTag>& selectedTag);
+[[nodiscard]] TunnelSelection filteredTunnels(const std::vector<Tunnel>& tunnels, std::string_view searchText,
+                                              const std::optional<TunnelTag>& selectedTag);
 
 struct TunnelStatistics {
     std::size_t total = 0;

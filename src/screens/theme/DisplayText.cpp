@@ -1,5 +1,8 @@
 #include "screens/theme/DisplayText.h"
 
+#include <QFontMetrics>
+#include <QPainter>
+
 #include <algorithm>
 
 namespace fernwick {
@@ -35,6 +38,19 @@ QString displayLine(std::string_view utf8, qsizetype limit) {
         text.append(QChar(u'\u2026'));
     }
     return text;
+}
+
+int drawLine(QPainter& painter, const QRect& area, const QString& text, Qt::LayoutDirection direction) {
+    const QFontMetrics metrics = painter.fontMetrics();
+    const QString shown = metrics.elidedText(text, Qt::ElideRight, area.width());
+    const auto before = painter.layoutDirection();
+    if (direction == Qt::LayoutDirectionAuto) {
+        direction = text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight;
+    }
+    painter.setLayoutDirection(direction);
+    painter.drawText(area, Qt::AlignLeft | Qt::AlignAbsolute | Qt::AlignVCenter | Qt::TextSingleLine, shown);
+    painter.setLayoutDirection(before);
+    return std::min(metrics.horizontalAdvance(shown), area.width());
 }
 
 } // namespace fernwick

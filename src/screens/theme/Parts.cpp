@@ -1,5 +1,6 @@
 #include "screens/theme/Parts.h"
 
+#include "screens/theme/DisplayText.h"
 #include "screens/theme/Grid.h"
 #include "screens/theme/StylePaint.h"
 
@@ -77,8 +78,8 @@ QSize ElidedLabel::minimumSizeHint() const {
 void ElidedLabel::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setPen(palette().color(foregroundRole()));
-    painter.drawText(contentsRect(), static_cast<int>(alignment().toInt()) | Qt::TextSingleLine,
-                     fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width()));
+    drawLine(painter, contentsRect(), text(),
+             testAttribute(Qt::WA_SetLayoutDirection) ? layoutDirection() : Qt::LayoutDirectionAuto);
 }
 
 void Card::paintEvent(QPaintEvent* /*event*/) {

@@ -45,7 +45,8 @@ QColor filledGround(ButtonRole role, const Palette& colors) {
 
 } // namespace
 
-void roundedBox(QPainter& painter, const QRectF& area, const QColor& fill, const QColor& border, double radius) {
+void roundedBox(QPainter& painter, const QRectF& area, const QColor& fill, const QColor& border,
+                double radius) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(fill);
@@ -92,7 +93,7 @@ void buttonLabel(QPainter& painter, const QStyleOptionButton& option, ButtonRole
     if (!enabled) {
         color = withOpacity(color, isFilled(role) ? 0.8 : kDisabledOpacity);
     }
-    constexpr int flags = Qt::AlignCenter | Qt::TextShowMnemonic;
+    constexpr int flags = Qt::AlignCenter | Qt::TextHideMnemonic;
     QRect area = option.rect.adjusted(grid::kSmall, 0, -grid::kSmall, 0);
     if (!option.icon.isNull()) {
         const int side = option.iconSize.width();

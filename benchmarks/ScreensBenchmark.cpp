@@ -1,0 +1,121 @@
+// What the user feels with 10,000 tunnels: a key in the search field, and a frame while the list scrolls.
+#include "screens/main/ContentView.h"
+#include "screens/main/MainWindow.h"
+#include "support/FakeClock.h"
+#include "support/FakeDispatch.h"
+#include "support/FakeHostEnvironment.h"
+#include "support/FakeProcesses.h"
+#include "support/FakeUserDefaults.h"
+#include "support/RecordWriter.h"
+
+#include <QApplication>
+#include <QImage>
+#include <QLineEdit>
+#include <QListView>
+#include <QScrollBar>
+#include <benchmark/benchmark.h>
+
+#include <memory>
+
+namespace {
+
+using namespace fernwick;
+
+constexpr int kTunnels = 10000;
+
+std::string catalogue() {
+    std::vector<Tunnel> tunnels;
+    for (int number = 0; number < kTunnels; ++number) {
+        Tunnel tunnel;
+        tunnel.id = support::Uuid::random();
+        tunnel.name =
+            "Tunnel number " + std::to_string(number) + (number % 3 == 0 ? " in production" : " at home");
+        tunnel.host = "host" + std::to_string(number * 7) + ".internal.example.com";
+        tunnel.user = number % 2 == 0 ? "ubuntu" : "deploy";
+        tunnels.push_back(std::move(tunnel));
+    }
+    return support::encodeList(tunnels).value();
+}
+
+// The main window over a catalogue of 10,000 tunnels.
+struct Window {
+    Window() {
+        window.resize(MainWindow::kMinimumWidth, MainWindow::kMinimumHeight);
+        window.show();
+        QApplication::processEvents();
+    }
+
+    static std::unique_ptr<fakes::FakeUserDefaults> filledDefaults() {
+        auto defaults = std::make_unique<fakes::FakeUserDefaults>();
+        defaults->setData(TunnelStore::kDefaultsKey, catalogue());
+        return defaults;
+    }
+
+    std::unique_ptr<fakes::FakeUserDefaults> defaults = filledDefaults();
+    fakes::FakeDispatch dispatch;
+    fakes::FakeClock clock{dispatch};
+    fakes::FakeHostEnvironment host;
+    fakes::FakeProcesses processes{dispatch};
+    NoRouting routing;
+    support::NotificationCenter notifications;
+    TunnelStore store{*defaults, clock};
+    KeyManager keys{*defaults};
+    TagManager tags{*defaults};
+    TunnelManager manager{{dispatch, clock, processes, host, *defaults, notifications, routing}};
+    Theme theme{*qApp, Appearance::light};
+    MainWindow window{{theme, store, manager, keys, tags, notifications, dispatch, clock}};
+};
+
+// One key in the search field until the list shows what is left, laid out and painted.
+void filterPerKeystroke(benchmark::State& state) {
+    Window window;
+    auto* field = window.window.findChild<QLineEdit*>(QStringLiteral("sidebarSearchField"));
+    QImage frame(window.window.size(), QImage::Format_ARGB32_Premultiplied);
+    const QStringList searches{QStringLiteral("p"),  QStringLiteral("pr"), QStringLiteral("pro"),
+                               QStringLiteral("pr"), QStringLiteral("p"),  QString()};
+    qsizetype next = 0;
+    for (auto _ : state) {
+        field->setText(searches[next]);
+        Q_EMIT field->textEdited(searches[next]);
+        window.window.render(&frame);
+        next = (next + 1) % searches.size();
+    }
+}
+BENCHMARK(filterPerKeystroke)->Unit(benchmark::kMillisecond);
+
+// One step of the wheel, painted.
+void scrollFrame(benchmark::State& state) {
+    Window window;
+    auto* list = window.window.findChild<QListView*>(QStringLiteral("tunnelList"));
+    QImage frame(list->size(), QImage::Format_ARGB32_Premultiplied);
+    auto* bar = list->verticalScrollBar();
+    for (auto _ : state) {
+        bar->setValue(bar->value() + 57 < bar->maximum() ? bar->value() + 57 : 0);
+        list->render(&frame);
+    }
+}
+BENCHMARK(scrollFrame)->Unit(benchmark::kMillisecond);
+
+// A change of one tunnel's status until the counts and its row are up to date.
+void statusChange(benchmark::State& state) {
+    Window window;
+    const auto id = window.store.tunnels()[5].id;
+    for (auto _ : state) {
+        window.manager.statusChanged.emit(id);
+        window.store.announceChange();
+        window.dispatch.runMain();
+    }
+}
+BENCHMARK(statusChange)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    const QApplication application(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

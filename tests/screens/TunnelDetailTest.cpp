@@ -1,0 +1,206 @@
+// The detail column: status bar and log.
+#include "Bench.h"
+#include "screens/detail/ConnectButton.h"
+#include "screens/detail/LogListModel.h"
+#include "screens/detail/LogListView.h"
+
+#include <QCheckBox>
+#include <QClipboard>
+#include <QDateTime>
+#include <QLabel>
+#include <QListView>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace fernwick::tests {
+namespace {
+
+class Detail : public testing::Test {
+protected:
+    Detail() {
+        Tunnel made = tunnelNamed("web");
+        made.localPort = "8080";
+        tunnel = made;
+        bench.open();
+        bench.add(tunnel);
+        auto& list = bench.find<QListView>("tunnelList");
+        list.setCurrentIndex(list.model()->index(0, 0));
+        bench.settle();
+    }
+
+    ConnectButton& button() { return bench.find<ConnectButton>("connectButton"); }
+    QString statusText() { return bench.find<QLabel>("statusText").text(); }
+    QColor statusInk() { return bench.find<QLabel>("statusText").palette().color(QPalette::WindowText); }
+    LogListView& log() { return bench.find<LogListView>("logList"); }
+    QString count() { return bench.find<QLabel>("logCount").text(); }
+
+    void addLines(int lines) {
+        for (int line = 0; line < lines; ++line) {
+            bench.manager.logs().append(LogLevel::info, "line " + std::to_string(line), tunnel.id);
+        }
+    }
+
+    Bench bench;
+    Tunnel tunnel;
+};
+
+TEST_F(Detail, AnUntouchedTunnelIsIdle) {
+    EXPECT_EQ(statusText(), QStringLiteral("Idle"));
+    EXPECT_EQ(statusInk(), bench.theme.colors().gray);
+    EXPECT_EQ(button().text(), QStringLiteral("Connect"));
+    EXPECT_FALSE(button().isSpinning());
+}
+
+TEST_F(Detail, TheButtonConnectsAndStops) {
+    button().click();
+    bench.settle();
+    EXPECT_EQ(statusText(), QStringLiteral("Connecting..."));
+    EXPECT_EQ(statusInk(), bench.theme.colors().orange);
+    EXPECT_EQ(button().text(), QStringLiteral("Stop"));
+    bench.dispatch.advance(TunnelManager::kConfirmDelay);
+    bench.settle();
+    EXPECT_EQ(statusText(), QStringLiteral("Connected"));
+    EXPECT_EQ(statusInk(), bench.theme.colors().green);
+    button().click();
+    bench.settle();
+    EXPECT_EQ(statusText(), QStringLiteral("Idle"));
+    EXPECT_EQ(button().text(), QStringLiteral("Connect"));
+}
+
+TEST_F(Detail, AnErrorShowsItsMessage) {
+    bench.processes.failNextLaunch({2, "No such file or directory"});
+    button().click();
+    bench.settle();
+    EXPECT_EQ(statusText(), QStringLiteral("Error: No such file or directory"));
+    EXPECT_EQ(statusInk(), bench.theme.colors().red);
+    EXPECT_EQ(button().text(), QStringLiteral("Connect"));
+}
+
+TEST_F(Detail, TheSpinnerTurnsOnlyWhileItCanBeSeen) {
+    button().click();
+    bench.settle();
+    EXPECT_TRUE(button().isSpinning());
+    bench.window->hide();
+    EXPECT_FALSE(button().isSpinning());
+    bench.window->show();
+    EXPECT_TRUE(button().isSpinning());
+    bench.dispatch.advance(TunnelManager::kConfirmDelay);
+    bench.settle();
+    EXPECT_FALSE(button().isSpinning());
+}
+
+TEST_F(Detail, PillsShowThePortsThatAreThere) {
+    EXPECT_TRUE(bench.find<QWidget>("localPortPill").isVisible());
+    EXPECT_EQ(bench.find<QWidget>("localPortPill").findChild<QLabel*>()->text(), QStringLiteral(":8080"));
+    EXPECT_FALSE(bench.find<QWidget>("remotePortPill").isVisible());
+    Tunnel edited = tunnel;
+    edited.localPort = "";
+    edited.remotePort = "80";
+    bench.store.update(edited);
+    bench.settle();
+    EXPECT_FALSE(bench.find<QWidget>("localPortPill").isVisible());
+    EXPECT_TRUE(bench.find<QWidget>("remotePortPill").isVisible());
+}
+
+TEST_F(Detail, AnEmptyLogSaysSo) {
+    EXPECT_TRUE(bench.find<QLabel>("logEmptyText").isVisible());
+    EXPECT_EQ(bench.find<QLabel>("logEmptyText").text(),
+              QStringLiteral("No logs yet. Connect to start seeing output."));
+    EXPECT_EQ(count(), QStringLiteral("0 entries"));
+    addLines(1);
+    bench.settle();
+    EXPECT_FALSE(bench.find<QLabel>("logEmptyText").isVisible());
+    EXPECT_TRUE(log().isVisible());
+    EXPECT_EQ(count(), QStringLiteral("1 entries"));
+}
+
+TEST_F(Detail, ABurstOfLinesIsShownInOneGo) {
+    const QSignalSpy inserted(log().model(), &QAbstractItemModel::rowsInserted);
+    addLines(500);
+    EXPECT_EQ(inserted.count(), 0);
+    bench.settle();
+    EXPECT_EQ(inserted.count(), 1);
+    EXPECT_EQ(log().model()->rowCount(), 500);
+}
+
+TEST_F(Detail, TheOldestLinesGo) {
+    addLines(500);
+    bench.settle();
+    addLines(3);
+    bench.settle();
+    EXPECT_EQ(log().model()->rowCount(), 500);
+    EXPECT_EQ(log().model()->index(0, 0).data().toString(), QStringLiteral("line 3"));
+    EXPECT_EQ(log().model()->index(499, 0).data().toString(), QStringLiteral("line 2"));
+}
+
+TEST_F(Detail, LinesOfOtherTunnelsAreNotShown) {
+    const auto other = bench.add(tunnelNamed("other"));
+    bench.manager.logs().append(LogLevel::info, "elsewhere", other.id);
+    bench.settle();
+    EXPECT_EQ(count(), QStringLiteral("0 entries"));
+}
+
+TEST_F(Detail, TheListFollowsNewLinesUntilItIsToldNotTo) {
+    addLines(200);
+    bench.settle();
+    auto* bar = log().verticalScrollBar();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return bar->maximum() > 0 && bar->value() == bar->maximum(); }));
+    bench.find<QCheckBox>("autoScrollCheckBox").setChecked(false);
+    bar->setValue(0);
+    addLines(50);
+    bench.settle();
+    EXPECT_EQ(bar->value(), 0);
+    EXPECT_EQ(count(), QStringLiteral("250 entries"));
+}
+
+TEST_F(Detail, ClearEmptiesTheLog) {
+    addLines(3);
+    bench.settle();
+    bench.find<QPushButton>("logClearButton").click();
+    bench.settle();
+    EXPECT_TRUE(bench.manager.logs().lines(tunnel.id).empty());
+    EXPECT_EQ(count(), QStringLiteral("0 entries"));
+    EXPECT_TRUE(bench.find<QLabel>("logEmptyText").isVisible());
+}
+
+TEST_F(Detail, ChosenLinesAreCopiedWhole) {
+    bench.manager.logs().append(LogLevel::info, "first", tunnel.id);
+    bench.manager.logs().append(LogLevel::error, std::string(9000, 'x'), tunnel.id);
+    bench.settle();
+    log().selectAll();
+    QTest::keyClick(&log(), Qt::Key_C, Qt::ControlModifier);
+    const QStringList lines = QApplication::clipboard()->text().split(QLatin1Char('\n'));
+    ASSERT_EQ(lines.size(), 2);
+    const auto now =
+        QDateTime::fromSecsSinceEpoch(static_cast<qint64>(bench.clock.now().secondsSinceUnixEpoch()));
+    EXPECT_EQ(lines[0], now.toString(QStringLiteral("HH:mm:ss")) + QStringLiteral(" first"));
+    EXPECT_EQ(lines[1].size(), 9000 + 9);
+}
+
+TEST_F(Detail, LongLinesTakeMoreRoomAndNarrowColumnsToo) {
+    bench.manager.logs().append(LogLevel::info, "short", tunnel.id);
+    bench.manager.logs().append(LogLevel::info, std::string(400, 'w'), tunnel.id);
+    bench.settle();
+    const auto height = [&](int row) { return log().visualRect(log().model()->index(row, 0)).height(); };
+    EXPECT_GT(height(1), 2 * height(0));
+    const int before = height(1);
+    bench.window->resize(1600, 700);
+    bench.settle();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return height(1) < before; }));
+}
+
+TEST_F(Detail, ANameThatWouldHangThePainterIsCut) {
+    Tunnel edited = tunnel;
+    edited.name = std::string(10000, 'W') + "\n\0x";
+    edited.host = std::string(100000, 'h');
+    bench.store.update(edited);
+    bench.settle();
+    EXPECT_FALSE(bench.window->grab().isNull());
+    EXPECT_LT(bench.find<QLabel>("detailName").text().size(), 300);
+    EXPECT_LT(bench.find<QLabel>("detailLogin").text().size(), 600);
+}
+
+} // namespace
+} // namespace fernwick::tests
