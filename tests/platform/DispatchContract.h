@@ -1,12 +1,12 @@
-// What every Dispatch does, the fake one and the real one.
+// What the queues of every Dispatch do, the fake one's and the real one's.
 #pragma once
 
 #include "platform/Dispatch.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
-#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -107,58 +107,10 @@ TYPED_TEST_P(DispatchContract, SerialQueueFinishesBeforeItGoes) {
     EXPECT_EQ(count, 10);
 }
 
-TYPED_TEST_P(DispatchContract, OneShotTimerFiresOnceAndIsNoLongerPending) {
-    int count = 0;
-    const auto timer = this->dispatch().oneShotTimer(Duration(5), [&] { ++count; });
-    EXPECT_TRUE(timer->isPending());
-    EXPECT_TRUE(this->waitUntil([&] { return count > 0; }));
-    EXPECT_FALSE(timer->isPending());
-    bool later = false;
-    this->dispatch().mainAfter(Duration(30), [&] { later = true; });
-    EXPECT_TRUE(this->waitUntil([&] { return later; }));
-    EXPECT_EQ(count, 1);
-}
-
-TYPED_TEST_P(DispatchContract, RepeatingTimerFiresUntilItIsDestroyed) {
-    int count = 0;
-    auto timer = this->dispatch().repeatingTimer(Duration(5), [&] { ++count; });
-    EXPECT_TRUE(this->waitUntil([&] { return count >= 3; }));
-    EXPECT_TRUE(timer->isPending());
-    timer.reset();
-    const int before = count;
-    bool later = false;
-    this->dispatch().mainAfter(Duration(30), [&] { later = true; });
-    EXPECT_TRUE(this->waitUntil([&] { return later; }));
-    EXPECT_EQ(count, before);
-}
-
-TYPED_TEST_P(DispatchContract, TimerMayDestroyItselfWhileItFires) {
-    int count = 0;
-    std::unique_ptr<Timer> timer;
-    timer = this->dispatch().repeatingTimer(Duration(5), [&] {
-        timer.reset();
-        ++count;
-    });
-    bool later = false;
-    this->dispatch().mainAfter(Duration(40), [&] { later = true; });
-    EXPECT_TRUE(this->waitUntil([&] { return later; }));
-    EXPECT_EQ(count, 1);
-}
-
-TYPED_TEST_P(DispatchContract, CancelledTimerLetsGoOfWhatItHolds) {
-    const auto held = std::make_shared<int>(0);
-    auto timer = this->dispatch().oneShotTimer(Duration(60'000), [held] { ++*held; });
-    EXPECT_EQ(held.use_count(), 2);
-    timer.reset();
-    EXPECT_EQ(held.use_count(), 1);
-}
-
 REGISTER_TYPED_TEST_SUITE_P(DispatchContract, MainNeverRunsInPlaceAndKeepsOrder,
                             MainTakesWorkFromOtherThreadsInTheirOrder, MainAfterKeepsTheOrderOfDueTimes,
                             MainAfterWithoutADelayStillRunsLater, GlobalWorkRunsAtEveryPriority,
                             GlobalWorkHandsItsResultToMain, SerialQueueKeepsOrderAndDrains,
-                            SerialQueueFinishesBeforeItGoes, OneShotTimerFiresOnceAndIsNoLongerPending,
-                            RepeatingTimerFiresUntilItIsDestroyed, TimerMayDestroyItselfWhileItFires,
-                            CancelledTimerLetsGoOfWhatItHolds);
+                            SerialQueueFinishesBeforeItGoes);
 
 } // namespace fernwick::platform

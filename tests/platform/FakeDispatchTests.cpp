@@ -1,5 +1,6 @@
 #include "DispatchContract.h"
 #include "FakeHarness.h"
+#include "TimerContract.h"
 #include "support/FakeClock.h"
 #include "support/FakeDispatch.h"
 
@@ -8,6 +9,7 @@
 namespace fernwick::platform {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Fake, DispatchContract, FakeHarness);
+INSTANTIATE_TYPED_TEST_SUITE_P(Fake, TimerContract, FakeHarness);
 
 using namespace std::chrono_literals;
 

@@ -5,8 +5,8 @@
 #include "support/FakeHostEnvironment.h"
 #include "support/TemporaryFolder.h"
 
-#include <filesystem>
 #include <string>
+#include <sys/stat.h>
 
 namespace fernwick::platform {
 
@@ -24,9 +24,8 @@ public:
     }
 
     void setFailing(bool failing) const {
-        namespace fs = std::filesystem;
-        std::error_code ignored; // the folder is made by the first write
-        fs::permissions(host_.config, failing ? fs::perms{0500} : fs::perms{0700}, ignored);
+        // The folder is made by the first write, and before that nothing can fail.
+        chmod(host_.config.c_str(), failing ? 0500 : 0700);
     }
 
 private:

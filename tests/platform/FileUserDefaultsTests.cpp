@@ -190,7 +190,7 @@ TEST_F(FileUserDefaultsTest, FileThatCannotBeSetAsideIsNeverWritten) {
 TEST_F(FileUserDefaultsTest, FileWithoutAWriteBitIsLeftAlone) {
     changeAndWait(*open(), 1);
     const auto before = folder_.read("d.plist");
-    fs::permissions(folder_ / "d.plist", fs::perms{0444});
+    chmod((folder_ / "d.plist").c_str(), 0444);
     const auto defaults = open();
     const auto errors = errorsOf([&] {
         changeAndWait(*defaults, 2);
@@ -199,7 +199,7 @@ TEST_F(FileUserDefaultsTest, FileWithoutAWriteBitIsLeftAlone) {
     EXPECT_EQ(std::ranges::count(errors, '\n'), 1) << errors;
     EXPECT_NE(errors.find("write-protected"), std::string::npos);
     EXPECT_EQ(folder_.read("d.plist"), before);
-    fs::permissions(folder_ / "d.plist", fs::perms{0600});
+    chmod((folder_ / "d.plist").c_str(), 0600);
     changeAndWait(*defaults, 4);
     EXPECT_EQ(stored(), (PropertyDictionary{{"number", {std::int64_t{4}}}}));
 }

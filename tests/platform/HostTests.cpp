@@ -24,7 +24,7 @@ struct FolderRow {
 class HostFolders : public testing::TestWithParam<FolderRow> {};
 
 // What stands before "~" in the table's folders.
-std::string expand(std::string path) {
+std::string expand(const std::string& path) {
     const auto account = PosixHostEnvironment(Environment{}).accountHome();
     return path.starts_with('~') ? account + path.substr(1) : path;
 }

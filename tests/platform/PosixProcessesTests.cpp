@@ -4,12 +4,13 @@
 #include "support/TemporaryFolder.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
-#include <set>
+#include <map>
 #include <sstream>
 
 namespace fernwick::platform {
@@ -90,6 +91,16 @@ std::map<std::string, std::string> descriptors(int pid) {
     return found;
 }
 
+// The same once the program's own start is over, whose loader opens libraries.
+std::map<std::string, std::string> settledDescriptors(int pid) {
+    std::map<std::string, std::string> found;
+    EXPECT_TRUE(fakes::waitUntil([&] {
+        found = descriptors(pid);
+        return found.size() == 3;
+    })) << found.size();
+    return found;
+}
+
 class PosixProcessesTest : public testing::Test {
 protected:
     // A child that sleeps, ended with the test.
@@ -118,7 +129,7 @@ TEST_F(PosixProcessesTest, ChildHasThreeDescriptorsAndNoOther) {
     ASSERT_GE(leaking, 0);
     const auto child = sleeper();
     toKill_.push_back(child->pid());
-    const auto found = descriptors(child->pid());
+    const auto found = settledDescriptors(child->pid());
     close(leaking);
     ASSERT_EQ(found.size(), 3U);
     EXPECT_EQ(found.at("0"), "/dev/null");
@@ -132,7 +143,7 @@ TEST_F(PosixProcessesTest, ClosedStandardDescriptorsOfOursDoNoHarm) {
     close(STDIN_FILENO);
     const auto child = sleeper();
     toKill_.push_back(child->pid());
-    const auto found = descriptors(child->pid());
+    const auto found = settledDescriptors(child->pid());
     dup2(saved, STDIN_FILENO);
     close(saved);
     ASSERT_EQ(found.size(), 3U);
@@ -174,6 +185,8 @@ TEST_F(PosixProcessesTest, ArgumentsAndEnvironmentArriveAsTheyAre) {
         child->launch({"/bin/sh", {"-c", "sleep 1000; exit", odd, ""}, {{"ODD", odd}, {"EMPTY", ""}}}, {}));
     toKill_.push_back(child->pid());
     using namespace std::string_literals;
+    // The kernel shows them once the program's start is over.
+    EXPECT_TRUE(fakes::waitUntil([&] { return !procFile(child->pid(), "environ").empty(); }));
     EXPECT_EQ(procFile(child->pid(), "cmdline"), "/bin/sh\0-c\0sleep 1000; exit\0"s + odd + "\0"s + "\0"s);
     EXPECT_EQ(procFile(child->pid(), "environ"), "EMPTY=\0ODD="s + odd + "\0"s);
     // The shell has a child of its own, which goes with it.

@@ -1,6 +1,7 @@
 // What every Processes does, the fake one and the real one.
 #pragma once
 
+#include "Told.h"
 #include "platform/ChildProcess.h"
 #include "support/WaitUntil.h"
 
@@ -8,37 +9,10 @@
 
 #include <cerrno>
 #include <csignal>
-#include <mutex>
 #include <string>
 #include <vector>
 
 namespace fernwick::platform {
-
-// What the handlers were told, in order. The handlers are called on a thread of the backend's.
-class Told {
-public:
-    [[nodiscard]] ProcessHandlers handlers() {
-        return {.standardError = [this](std::string bytes) { append("E:" + std::move(bytes)); },
-                .exit = [this](int status) { append("X:" + std::to_string(status)); }};
-    }
-    [[nodiscard]] std::vector<std::string> all() const {
-        const std::lock_guard lock(mutex_);
-        return told_;
-    }
-    [[nodiscard]] bool ended() const {
-        const auto told = all();
-        return !told.empty() && told.back().starts_with("X:");
-    }
-
-private:
-    void append(std::string what) {
-        const std::lock_guard lock(mutex_);
-        told_.push_back(std::move(what));
-    }
-
-    mutable std::mutex mutex_;
-    std::vector<std::string> told_;
-};
 
 // `Harness` has processes(), pump() for everything, runMain() for the main queue alone, and launches three
 // programs: launchSpeaker writes a text to standard error and exits, launchSleeper lives until it is ended, and
@@ -61,10 +35,9 @@ TYPED_TEST_SUITE_P(ProcessesContract);
 
 TYPED_TEST_P(ProcessesContract, BeforeTheLaunchThereIsNothing) {
     const auto child = this->processes().makeChild();
-    EXPECT_EQ(child->pid(), 0);
-    EXPECT_FALSE(child->isRunning());
     child->terminate();
     EXPECT_EQ(child->pid(), 0);
+    EXPECT_FALSE(child->isRunning());
 }
 
 TYPED_TEST_P(ProcessesContract, MissingProgramFailsAndNoHandlerIsCalled) {

@@ -1,5 +1,6 @@
 #include "DispatchContract.h"
 #include "QtHarness.h"
+#include "TimerContract.h"
 #include "platform/qt/QtDispatch.h"
 
 #include <QAbstractEventDispatcher>
@@ -14,6 +15,7 @@
 namespace fernwick::platform {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Qt, DispatchContract, QtHarness);
+INSTANTIATE_TYPED_TEST_SUITE_P(Qt, TimerContract, QtHarness);
 
 using namespace std::chrono_literals;
 

@@ -111,6 +111,7 @@ TEST(WorkPool, ManyGiversLoseNothing) {
     std::atomic<int> count = 0;
     WorkPool pool;
     std::vector<std::thread> givers;
+    givers.reserve(4);
     for (int giver = 0; giver < 4; ++giver) {
         givers.emplace_back([&] {
             for (int piece = 0; piece < 500; ++piece) {
@@ -128,6 +129,7 @@ TEST(ThreadQueue, GiversOnManyThreadsKeepTheirOrder) {
     std::array<std::vector<int>, 4> seen; // by giver
     ThreadQueue queue("test");
     std::vector<std::thread> givers;
+    givers.reserve(4);
     for (auto& list : seen) {
         givers.emplace_back([&] {
             for (int piece = 0; piece < 500; ++piece) {

@@ -66,7 +66,7 @@ void FakeChildProcess::exit(int status) {
     }
 }
 
-void FakeChildProcess::emitStandardError(std::string bytes) {
+void FakeChildProcess::emitStandardError(std::string_view bytes) {
     unread_ += bytes;
     if (!chunkInFlight_) {
         deliver();

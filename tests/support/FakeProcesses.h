@@ -12,6 +12,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -35,7 +36,7 @@ public:
 
     // Writes to standard error. Told at once, or, while the last piece is still on its way through the main
     // queue, together with what else has come once that has passed.
-    void emitStandardError(std::string bytes);
+    void emitStandardError(std::string_view bytes);
 
     // Whether SIGTERM ends the child (the default), and with which status; absent: it takes no notice.
     void setExitOnTerminate(std::optional<int> status) { exitOnTerminate_ = status; }
