@@ -118,6 +118,7 @@ def parse() -> argparse.Namespace:
 def main() -> int:
     """Runs the demo; 0 when everything worked."""
     options = parse()
+    signal.signal(signal.SIGINT, signal.default_int_handler)  # a shell starts background jobs without it
     signal.signal(signal.SIGTERM, lambda *_: sys.exit("the demo was asked to end"))
     try:
         namespace.enter()

@@ -91,7 +91,8 @@ class SshLab:
     def start_agent(self) -> None:
         """Starts an ssh-agent that holds the user key; programs started from now on find it."""
         agent = self.session.run / "agent"
-        self.session.start(["ssh-agent", "-D", "-a", agent])
+        # without new privileges: the program is setgid, and would not die with us
+        self.session.start(["setpriv", "--no-new-privs", "--", "ssh-agent", "-D", "-a", agent])
         wait_until(agent.exists, "the ssh agent's socket appears")
         self.session.environment["SSH_AUTH_SOCK"] = str(agent)
         subprocess.run(["ssh-add", "-q", self.key], env=self.session.environment, check=True)
