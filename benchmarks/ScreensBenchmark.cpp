@@ -13,7 +13,6 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QScrollBar>
-
 #include <benchmark/benchmark.h>
 
 #include <memory>
@@ -29,7 +28,8 @@ std::string catalogue() {
     for (int number = 0; number < kTunnels; ++number) {
         Tunnel tunnel;
         tunnel.id = support::Uuid::random();
-        tunnel.name = "Tunnel number " + std::to_string(number) + (number % 3 == 0 ? " in production" : " at home");
+        tunnel.name =
+            "Tunnel number " + std::to_string(number) + (number % 3 == 0 ? " in production" : " at home");
         tunnel.host = "host" + std::to_string(number * 7) + ".internal.example.com";
         tunnel.user = number % 2 == 0 ? "ubuntu" : "deploy";
         tunnels.push_back(std::move(tunnel));
@@ -71,8 +71,8 @@ void filterPerKeystroke(benchmark::State& state) {
     Window window;
     auto* field = window.window.findChild<QLineEdit*>(QStringLiteral("sidebarSearchField"));
     QImage frame(window.window.size(), QImage::Format_ARGB32_Premultiplied);
-    const QStringList searches{QStringLiteral("p"), QStringLiteral("pr"), QStringLiteral("pro"), QStringLiteral("pr"),
-                               QStringLiteral("p"), QString()};
+    const QStringList searches{QStringLiteral("p"),  QStringLiteral("pr"), QStringLiteral("pro"),
+                               QStringLiteral("pr"), QStringLiteral("p"),  QString()};
     qsizetype next = 0;
     for (auto _ : state) {
         field->setText(searches[next]);

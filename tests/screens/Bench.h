@@ -40,8 +40,9 @@ struct Bench {
     }
 
     [[nodiscard]] MainWindowContext context() {
-        return {theme, store, manager, keys, tags, notifications, dispatch, clock,
-                [this](auto list) { proxyRules.push_back(std::move(list)); }};
+        return {theme,    store, manager,
+                keys,     tags,  notifications,
+                dispatch, clock, [this](auto list) { proxyRules.push_back(std::move(list)); }};
     }
 
     // Lets everything that is queued happen, without letting virtual time pass.

@@ -1,6 +1,5 @@
 // The main window as a whole: selection, creating, deleting, reloading, columns, menus.
 #include "Bench.h"
-
 #include "screens/main/AddTunnelSheet.h"
 #include "screens/main/DeleteConfirmation.h"
 #include "screens/main/SidebarView.h"
@@ -12,7 +11,6 @@
 #include <QPushButton>
 #include <QTest>
 #include <QToolButton>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -190,8 +188,9 @@ TEST_F(Content, TheConfirmationSaysWhatIsDeleted) {
     askToDelete(0);
     auto& question = bench.find<DeleteConfirmation>("deleteConfirmation");
     EXPECT_EQ(question.windowTitle(), QStringLiteral("Delete Tunnel"));
-    EXPECT_EQ(bench.find<QLabel>("deleteConfirmationText").text(),
-              QStringLiteral("Are you sure you want to delete \"Prod <b>\"1\"</b>\"? This action cannot be undone."));
+    EXPECT_EQ(
+        bench.find<QLabel>("deleteConfirmationText").text(),
+        QStringLiteral("Are you sure you want to delete \"Prod <b>\"1\"</b>\"? This action cannot be undone."));
     EXPECT_EQ(bench.find<QPushButton>("deleteConfirmButton").text(), QStringLiteral("Delete"));
     EXPECT_EQ(bench.find<QPushButton>("deleteCancelButton").text(), QStringLiteral("Cancel"));
     EXPECT_TRUE(bench.state().showingDeleteAlert);
@@ -233,7 +232,8 @@ TEST_F(Content, DeletingStopsThenRemovesThenClears) {
     std::vector<std::string> order;
     const auto status = bench.manager.statusChanged.connect([&](const auto&) { order.emplace_back("status"); });
     const auto store = bench.store.changed.connect([&] {
-        order.emplace_back(bench.processes.last().terminations() == 1 ? "deleted after stop" : "deleted before stop");
+        order.emplace_back(bench.processes.last().terminations() == 1 ? "deleted after stop"
+                                                                      : "deleted before stop");
         EXPECT_EQ(bench.state().selectedTunnelID, tunnel.id);
     });
     askToDelete(0);

@@ -1,7 +1,6 @@
-// Pictures of every state of the main window, for eyes: they lie in the build folder, under pictures/. The test itself
-// only says that each could be drawn and is not of one colour.
+// Pictures of every state of the main window, for eyes: they lie in the build folder, under pictures/. The test
+// itself only says that each could be drawn and is not of one colour.
 #include "Bench.h"
-
 #include "screens/main/AddTunnelSheet.h"
 #include "screens/main/DeleteConfirmation.h"
 
@@ -11,7 +10,6 @@
 #include <QListView>
 #include <QTest>
 #include <QToolButton>
-
 #include <gtest/gtest.h>
 
 namespace fernwick::tests {
@@ -42,8 +40,9 @@ protected:
         EXPECT_TRUE(varied) << name;
         const QString folder = QStringLiteral(FERNWICK_PICTURES);
         QDir().mkpath(folder);
-        EXPECT_TRUE(picture.save(QStringLiteral("%1/%2-%3.png").arg(folder, QString::fromLatin1(name),
-                                                                    QString::fromLatin1(GetParam().name))));
+        EXPECT_TRUE(
+            picture.save(QStringLiteral("%1/%2-%3.png")
+                             .arg(folder, QString::fromLatin1(name), QString::fromLatin1(GetParam().name))));
     }
 
     void addFour() {

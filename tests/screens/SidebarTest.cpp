@@ -1,6 +1,5 @@
 // The sidebar as the window shows it: counts, search, tags, rows and their menu.
 #include "Bench.h"
-
 #include "screens/main/StatBadge.h"
 #include "screens/main/TagFilterChip.h"
 #include "screens/theme/TagColors.h"
@@ -13,7 +12,6 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QToolButton>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -130,8 +128,9 @@ TEST_F(Sidebar, ConnectingCountsAsActiveAndOffersStop) {
     bench.settle();
     ASSERT_EQ(bench.manager.status(tunnel.id), TunnelStatus::connecting());
     EXPECT_EQ(value("activeBadge"), QStringLiteral("1"));
-    EXPECT_EQ(texts(menu(0)), (QStringList{QStringLiteral("Stop Tunnel"), QStringLiteral("-"),
-                                           QStringLiteral("Duplicate"), QStringLiteral("-"), QStringLiteral("Delete")}));
+    EXPECT_EQ(texts(menu(0)),
+              (QStringList{QStringLiteral("Stop Tunnel"), QStringLiteral("-"), QStringLiteral("Duplicate"),
+                           QStringLiteral("-"), QStringLiteral("Delete")}));
 }
 
 TEST_F(Sidebar, TheMenuStartsAndStops) {

@@ -1,14 +1,14 @@
-#include "screens/main/TunnelRowDelegate.h"
+#include "screens/theme/Theme.h"
+
 #include "screens/detail/LogRowDelegate.h"
+#include "screens/main/TunnelRowDelegate.h"
 #include "screens/theme/DisplayText.h"
 #include "screens/theme/StatusColors.h"
 #include "screens/theme/TagColors.h"
-#include "screens/theme/Theme.h"
 
 #include <QApplication>
 #include <QImage>
 #include <QLabel>
-
 #include <gtest/gtest.h>
 
 #include <set>
@@ -35,8 +35,10 @@ TEST_P(TagColor, IsReadFromItsText) {
 INSTANTIATE_TEST_SUITE_P(
     Table, TagColor,
     testing::Values(TagCase{"WithHash", "#0A84FF", 0x0A84FF}, TagCase{"WithoutHash", "0A84FF", 0x0A84FF},
-                    TagCase{"LowerCase", "#ff453a", 0xFF453A}, TagCase{"WhiteSpaceAround", " \t\n#30D158\r\n ", 0x30D158},
-                    TagCase{"HashesAnywhere", "##FF#00#FF#", 0xFF00FF}, TagCase{"ShortIsASmallNumber", "FFF", 0x000FFF},
+                    TagCase{"LowerCase", "#ff453a", 0xFF453A},
+                    TagCase{"WhiteSpaceAround", " \t\n#30D158\r\n ", 0x30D158},
+                    TagCase{"HashesAnywhere", "##FF#00#FF#", 0xFF00FF},
+                    TagCase{"ShortIsASmallNumber", "FFF", 0x000FFF},
                     TagCase{"LongKeepsTheLowBytes", "AB123456", 0x123456},
                     TagCase{"SixtyFourBits", "FFFFFFFFFF010203", 0x010203}, TagCase{"Zero", "0", 0x000000},
                     TagCase{"NoDigits", "zz", std::nullopt}, TagCase{"Empty", "", std::nullopt},
@@ -120,7 +122,9 @@ TEST(Theme, TheEnvironmentCanForceTheAppearance) {
 
 TEST(Theme, TextCanBeReadOnItsGround) {
     const auto luminance = [](const QColor& color) {
-        const auto part = [](double value) { return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4); };
+        const auto part = [](double value) {
+            return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+        };
         return 0.2126 * part(color.redF()) + 0.7152 * part(color.greenF()) + 0.0722 * part(color.blueF());
     };
     const auto contrast = [&](const QColor& one, const QColor& other) {

@@ -1,6 +1,5 @@
 // The detail column: status bar and log.
 #include "Bench.h"
-
 #include "screens/detail/ConnectButton.h"
 #include "screens/detail/LogListModel.h"
 #include "screens/detail/LogListView.h"
@@ -13,7 +12,6 @@
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
-
 #include <gtest/gtest.h>
 
 namespace fernwick::tests {
@@ -175,7 +173,8 @@ TEST_F(Detail, ChosenLinesAreCopiedWhole) {
     QTest::keyClick(&log(), Qt::Key_C, Qt::ControlModifier);
     const QStringList lines = QApplication::clipboard()->text().split(QLatin1Char('\n'));
     ASSERT_EQ(lines.size(), 2);
-    const auto now = QDateTime::fromSecsSinceEpoch(static_cast<qint64>(bench.clock.now().secondsSinceUnixEpoch()));
+    const auto now =
+        QDateTime::fromSecsSinceEpoch(static_cast<qint64>(bench.clock.now().secondsSinceUnixEpoch()));
     EXPECT_EQ(lines[0], now.toString(QStringLiteral("HH:mm:ss")) + QStringLiteral(" first"));
     EXPECT_EQ(lines[1].size(), 9000 + 9);
 }

@@ -1,9 +1,8 @@
-#include "Bench.h"
-
 #include "screens/main/TunnelListModel.h"
 
-#include <QSignalSpy>
+#include "Bench.h"
 
+#include <QSignalSpy>
 #include <gtest/gtest.h>
 
 namespace fernwick::tests {
@@ -11,8 +10,10 @@ namespace {
 
 struct ModelSpies {
     explicit ModelSpies(TunnelListModel& model)
-        : reset(&model, &QAbstractItemModel::modelReset), inserted(&model, &QAbstractItemModel::rowsInserted),
-          removed(&model, &QAbstractItemModel::rowsRemoved), changed(&model, &QAbstractItemModel::dataChanged) {}
+        : reset(&model, &QAbstractItemModel::modelReset),
+          inserted(&model, &QAbstractItemModel::rowsInserted),
+          removed(&model, &QAbstractItemModel::rowsRemoved),
+          changed(&model, &QAbstractItemModel::dataChanged) {}
 
     [[nodiscard]] std::vector<qsizetype> counts() const {
         return {reset.count(), inserted.count(), removed.count(), changed.count()};

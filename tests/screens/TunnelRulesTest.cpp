@@ -1,6 +1,6 @@
-#include "Bench.h"
-
 #include "screens/main/TunnelRules.h"
+
+#include "Bench.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -59,8 +59,9 @@ void ConnectButton::paintEvent(QPaintEvent* /*event*/) {
     const Palette& colors = theme_.colors();
     const bool active = status_ && status_->isActive();
     QPainter painter(this);
-    stylepaint::roundedBox(painter, QRectF(rect()), active ? withOpacity(colors.red, kStopOpacity) : colors.accent,
-                           Qt::transparent, grid::kControlRadius);
+    stylepaint::roundedBox(painter, QRectF(rect()),
+                           active ? withOpacity(colors.red, kStopOpacity) : colors.accent, Qt::transparent,
+                           grid::kControlRadius);
     const QColor shade = isDown() ? colors.pressed : (underMouse() ? colors.hover : QColor(Qt::transparent));
     stylepaint::roundedBox(painter, QRectF(rect()), shade, Qt::transparent, grid::kControlRadius);
     if (hasFocus()) {
@@ -73,7 +74,8 @@ void ConnectButton::paintEvent(QPaintEvent* /*event*/) {
     if (status_ && status_->kind() == TunnelStatus::Kind::connecting) {
         paintSpinner(painter, icon);
     } else {
-        theme_.icons().paint(painter, active ? Icon::stopCircle : Icon::playCircle, colors.onAccent, icon, kIconSize);
+        theme_.icons().paint(painter, active ? Icon::stopCircle : Icon::playCircle, colors.onAccent, icon,
+                             kIconSize);
     }
     painter.setPen(colors.onAccent);
     painter.drawText(QRectF(icon.right() + kGap, 0, this->width() - icon.right(), height()),

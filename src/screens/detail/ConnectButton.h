@@ -1,6 +1,5 @@
-// Starts or stops the tunnel on show. While it is connecting, a spinner turns in the button; it takes no time of
-// the processor otherwise.
-// Threads: main thread only.
+// Starts or stops the tunnel on show. While it is connecting, a spinner turns in the button; it takes no time
+// of the processor otherwise. Threads: main thread only.
 #pragma once
 
 #include "catalogue/TunnelStatus.h"

@@ -40,8 +40,8 @@ void DetailHeader::setTunnel(const Tunnel* tunnel) {
     login_->setVisible(tunnel != nullptr);
     if (tunnel != nullptr) {
         name_->setText(displayLine(tunnel->name));
-        login_->setText(displayLine(tunnel->user) + QLatin1Char('@') + displayLine(tunnel->host) + QLatin1Char(':') +
-                        displayLine(tunnel->sshPort));
+        login_->setText(displayLine(tunnel->user) + QLatin1Char('@') + displayLine(tunnel->host) +
+                        QLatin1Char(':') + displayLine(tunnel->sshPort));
     }
 }
 

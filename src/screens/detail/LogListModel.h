@@ -1,6 +1,5 @@
-// The lines of one tunnel's log as rows. A new state of the log is compared with what is shown, so that only what
-// left at the front and came at the end changes.
-// Threads: main thread only.
+// The lines of one tunnel's log as rows. A new state of the log is compared with what is shown, so that only
+// what left at the front and came at the end changes. Threads: main thread only.
 #pragma once
 
 #include "catalogue/LogEntry.h"
@@ -15,8 +14,8 @@ namespace fernwick {
 struct LogLine {
     support::Uuid id;
     LogLevel level = LogLevel::info;
-    QString time;    // "HH:mm:ss", local
-    QString message; // fit to be drawn
+    QString time;     // "HH:mm:ss", local
+    QString message;  // fit to be drawn
     std::string text; // the message as it came
 };
 

@@ -21,7 +21,9 @@ constexpr int kScrollMilliseconds = 250;
 } // namespace
 
 LogListView::LogListView(const Theme& theme, LogListModel& model, QWidget* parent)
-    : QListView(parent), model_(model), rows_(new LogRowDelegate(theme, model, this)),
+    : QListView(parent),
+      model_(model),
+      rows_(new LogRowDelegate(theme, model, this)),
       scrolling_(verticalScrollBar(), "value") {
     setFrameShape(QFrame::NoFrame);
     setSelectionMode(QAbstractItemView::ExtendedSelection);

@@ -39,7 +39,11 @@ LogLevelLook lookOf(LogLevel level) {
 }
 
 LogRowDelegate::LogRowDelegate(const Theme& theme, const LogListModel& model, QObject* parent)
-    : QStyledItemDelegate(parent), theme_(theme), model_(model), font_(theme.monospaced(11)), metrics_(font_),
+    : QStyledItemDelegate(parent),
+      theme_(theme),
+      model_(model),
+      font_(theme.monospaced(11)),
+      metrics_(font_),
       timeWidth_(std::max(kTimeWidth, metrics_.horizontalAdvance(QStringLiteral("00:00:00")))) {}
 
 bool LogRowDelegate::setRowWidth(int width) {
@@ -85,7 +89,8 @@ QSize LogRowDelegate::sizeHint(const QStyleOptionViewItem& /*option*/, const QMo
     return {1, *found + 2 * kRowPadding};
 }
 
-void LogRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+void LogRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                           const QModelIndex& index) const {
     const Palette& colors = theme_.colors();
     const LogLine& line = model_.line(index.row());
     const LogLevelLook look = lookOf(line.level);
@@ -98,11 +103,11 @@ void LogRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option
     const int left = option.rect.left();
     painter->setFont(font_);
     painter->setPen(colors.secondary);
-    painter->drawText(QRect(left + kSidePadding, top, timeWidth_, metrics_.height()), Qt::AlignLeft | Qt::AlignVCenter,
-                      line.time);
-    theme_.icons().paint(
-        *painter, look.icon, colors.*look.iconColor,
-        QRectF(left + kSidePadding + timeWidth_ + kGap, top, kIconSize, metrics_.height()), kIconSize);
+    painter->drawText(QRect(left + kSidePadding, top, timeWidth_, metrics_.height()),
+                      Qt::AlignLeft | Qt::AlignVCenter, line.time);
+    theme_.icons().paint(*painter, look.icon, colors.*look.iconColor,
+                         QRectF(left + kSidePadding + timeWidth_ + kGap, top, kIconSize, metrics_.height()),
+                         kIconSize);
     QTextLayout layout(line.message);
     layOut(layout);
     painter->setPen(colors.*look.messageColor);

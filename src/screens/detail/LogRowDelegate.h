@@ -26,7 +26,8 @@ class LogRowDelegate final : public QStyledItemDelegate {
 public:
     LogRowDelegate(const Theme& theme, const LogListModel& model, QObject* parent);
 
-    // The width that rows have from now on. Returns whether it is another one; then all heights are other ones, too.
+    // The width that rows have from now on. Returns whether it is another one; then all heights are other ones,
+    // too.
     bool setRowWidth(int width);
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;

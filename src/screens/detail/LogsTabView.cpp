@@ -19,9 +19,14 @@ constexpr int kListPadding = 8;
 
 } // namespace
 
-LogsTabView::LogsTabView(const Theme& theme, TunnelManager& manager, platform::Dispatch& dispatch, QWidget* parent)
-    : QWidget(parent), theme_(theme), manager_(manager), model_(new LogListModel(this)),
-      list_(new LogListView(theme, *model_, this)), pages_(new QStackedWidget(this)),
+LogsTabView::LogsTabView(const Theme& theme, TunnelManager& manager, platform::Dispatch& dispatch,
+                         QWidget* parent)
+    : QWidget(parent),
+      theme_(theme),
+      manager_(manager),
+      model_(new LogListModel(this)),
+      list_(new LogListView(theme, *model_, this)),
+      pages_(new QStackedWidget(this)),
       refreshSoon_(dispatch, [this] { refresh(); }) {
     setObjectName(QStringLiteral("logsTab"));
     list_->setObjectName(QStringLiteral("logList"));
@@ -54,7 +59,8 @@ QWidget* LogsTabView::buildHeader() {
     autoScroll_->setObjectName(QStringLiteral("autoScrollCheckBox"));
     autoScroll_->setFont(theme_.font(12));
     autoScroll_->setChecked(true);
-    auto* clear = makeButton(QStringLiteral("Clear"), ButtonRole::borderless, QStringLiteral("logClearButton"), header);
+    auto* clear =
+        makeButton(QStringLiteral("Clear"), ButtonRole::borderless, QStringLiteral("logClearButton"), header);
     clear->setFont(theme_.font(12));
     clear->setIcon(themedIcon(theme_, Icon::trash, &Palette::secondary));
     clear->setIconSize(QSize(kTrashSize, kTrashSize));
@@ -71,7 +77,8 @@ QWidget* LogsTabView::buildHeader() {
 
 QWidget* LogsTabView::buildEmptyState() {
     auto* page = new QWidget(pages_);
-    auto* text = makeCaption(QStringLiteral("No logs yet. Connect to start seeing output."), theme_.font(13), page);
+    auto* text =
+        makeCaption(QStringLiteral("No logs yet. Connect to start seeing output."), theme_.font(13), page);
     text->setObjectName(QStringLiteral("logEmptyText"));
     auto* layout = new QVBoxLayout(page);
     layout->setSpacing(grid::kMedium);

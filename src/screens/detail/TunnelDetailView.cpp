@@ -22,7 +22,8 @@ QWidget* carded(const Theme& theme, QWidget& content, QWidget* parent) {
 } // namespace
 
 TunnelDetailView::TunnelDetailView(const MainWindowContext& context, QWidget* parent)
-    : QWidget(parent), statusBar_(new TunnelStatusBar(context.theme, context.tunnels, context.store, this)),
+    : QWidget(parent),
+      statusBar_(new TunnelStatusBar(context.theme, context.tunnels, context.store, this)),
       logs_(new LogsTabView(context.theme, context.tunnels, context.dispatch, this)) {
     setObjectName(QStringLiteral("tunnelDetail"));
     auto* layout = new QVBoxLayout(this);

@@ -22,10 +22,17 @@ QString portText(const std::string& port) {
 
 } // namespace
 
-TunnelStatusBar::TunnelStatusBar(const Theme& theme, TunnelManager& manager, TunnelStore& store, QWidget* parent)
-    : QWidget(parent), theme_(theme), manager_(manager), store_(store), mark_(new StatusMark(theme, this)),
-      status_(new ElidedLabel(this)), localPort_(new InfoPill(theme, Icon::circleRight, this)),
-      remotePort_(new InfoPill(theme, Icon::server, this)), button_(new ConnectButton(theme, this)) {
+TunnelStatusBar::TunnelStatusBar(const Theme& theme, TunnelManager& manager, TunnelStore& store,
+                                 QWidget* parent)
+    : QWidget(parent),
+      theme_(theme),
+      manager_(manager),
+      store_(store),
+      mark_(new StatusMark(theme, this)),
+      status_(new ElidedLabel(this)),
+      localPort_(new InfoPill(theme, Icon::circleRight, this)),
+      remotePort_(new InfoPill(theme, Icon::server, this)),
+      button_(new ConnectButton(theme, this)) {
     setObjectName(QStringLiteral("tunnelStatusBar"));
     status_->setObjectName(QStringLiteral("statusText"));
     status_->setFont(theme.font(12, QFont::DemiBold));
@@ -61,7 +68,10 @@ void TunnelStatusBar::refreshStatus() {
     palette.setColor(QPalette::WindowText, statusColor(status, theme_.colors()));
     status_->setPalette(palette);
     status_->setText(text);
-    status_->setToolTip(text.toHtmlEscaped());
+    // As rich text, since a tool tip guesses, and what ssh says may look like it.
+    status_->setToolTip(status && status->kind() == TunnelStatus::Kind::error
+                            ? QStringLiteral("<span>%1</span>").arg(text.toHtmlEscaped())
+                            : QString());
     mark_->setStatus(status);
     button_->setStatus(status);
 }

@@ -132,7 +132,11 @@ void ContentView::showAddSheet() {
         return;
     }
     auto* sheet = new AddTunnelSheet(
-        context_.theme, context_.store, context_.clock, [this](const Tunnel& added) { select(added.id); },
+        context_.theme, context_.store, context_.clock,
+        [this](const Tunnel& added) {
+            select(added.id);
+            sidebar_->focusList();
+        },
         window());
     sheet->setAttribute(Qt::WA_DeleteOnClose);
     connect(sheet, &QDialog::finished, this, [this] { state_.showingAddSheet = false; });
@@ -142,16 +146,16 @@ void ContentView::showAddSheet() {
 void ContentView::confirmDelete(const Tunnel& tunnel) {
     state_.tunnelToDelete = tunnel;
     if (std::exchange(state_.showingDeleteAlert, true)) {
+        question_->setName(tunnel.name);
         return;
     }
-    auto* question = new DeleteConfirmation(
-        context_.theme, state_.tunnelToDelete->name, [this] { deleteConfirmed(); }, window());
-    question->setAttribute(Qt::WA_DeleteOnClose);
-    connect(question, &QDialog::finished, this, [this] {
+    question_ = new DeleteConfirmation(context_.theme, tunnel.name, [this] { deleteConfirmed(); }, window());
+    question_->setAttribute(Qt::WA_DeleteOnClose);
+    connect(question_, &QDialog::finished, this, [this] {
         state_.showingDeleteAlert = false;
         state_.tunnelToDelete.reset();
     });
-    question->open();
+    question_->open();
 }
 
 void ContentView::deleteConfirmed() {

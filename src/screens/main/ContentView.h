@@ -7,6 +7,7 @@
 #include "screens/main/ContentState.h"
 #include "screens/main/MainWindowContext.h"
 
+#include <QPointer>
 #include <QWidget>
 
 #include <unordered_set>
@@ -17,6 +18,7 @@ class QStackedWidget;
 
 namespace fernwick {
 
+class DeleteConfirmation;
 class DetailHeader;
 class SidebarView;
 class TunnelDetailView;
@@ -57,6 +59,7 @@ private:
     DetailHeader* header_ = nullptr;
     QStackedWidget* pages_ = nullptr;
     TunnelDetailView* detail_ = nullptr;
+    QPointer<DeleteConfirmation> question_; // while it is up
     std::unordered_set<support::Uuid> changedStatuses_;
     Coalescer refreshSoon_;
     Coalescer refreshStatusesSoon_;

@@ -19,18 +19,15 @@ constexpr int kMargin = 20;
 
 DeleteConfirmation::DeleteConfirmation(const Theme& theme, std::string_view name,
                                        std::function<void()> onDelete, QWidget* parent)
-    : QDialog(parent, Qt::Sheet) {
+    : QDialog(parent, Qt::Sheet), text_(makeLabel(QString(), theme.font(13), this)) {
     setObjectName(QStringLiteral("deleteConfirmation"));
     setWindowTitle(QStringLiteral("Delete Tunnel"));
     auto* title = makeLabel(windowTitle(), theme.font(15, QFont::DemiBold), this);
-    auto* text =
-        makeLabel(QStringLiteral("Are you sure you want to delete \"%1\"? This action cannot be undone.")
-                      .arg(displayLine(name)),
-                  theme.font(13), this);
-    text->setObjectName(QStringLiteral("deleteConfirmationText"));
-    text->setForegroundRole(QPalette::PlaceholderText);
-    text->setWordWrap(true);
-    text->setFixedWidth(kTextWidth);
+    text_->setObjectName(QStringLiteral("deleteConfirmationText"));
+    text_->setForegroundRole(QPalette::PlaceholderText);
+    text_->setWordWrap(true);
+    text_->setFixedWidth(kTextWidth);
+    setName(name);
     auto* cancel =
         makeButton(QStringLiteral("Cancel"), ButtonRole::plain, QStringLiteral("deleteCancelButton"), this);
     auto* confirm = makeButton(QStringLiteral("Delete"), ButtonRole::destructive,
@@ -52,10 +49,15 @@ DeleteConfirmation::DeleteConfirmation(const Theme& theme, std::string_view name
     layout->addWidget(new IconView(theme, Icon::warning, kIconSize, &Palette::red, this), 0, 0, 2, 1,
                       Qt::AlignTop);
     layout->addWidget(title, 0, 1);
-    layout->addWidget(text, 1, 1);
+    layout->addWidget(text_, 1, 1);
     layout->setRowMinimumHeight(2, grid::kMedium);
     layout->addLayout(buttons, 3, 0, 1, 2);
     cancel->setFocus();
+}
+
+void DeleteConfirmation::setName(std::string_view name) {
+    text_->setText(QStringLiteral("Are you sure you want to delete \"%1\"? This action cannot be undone.")
+                       .arg(displayLine(name)));
 }
 
 } // namespace fernwick

@@ -9,6 +9,8 @@
 #include <functional>
 #include <string_view>
 
+class QLabel;
+
 namespace fernwick {
 
 class DeleteConfirmation final : public QDialog {
@@ -16,6 +18,12 @@ public:
     // `name` is the tunnel's name as it is stored; `onDelete` is called when the user agrees.
     DeleteConfirmation(const Theme& theme, std::string_view name, std::function<void()> onDelete,
                        QWidget* parent);
+
+    // Asks about a tunnel of another name.
+    void setName(std::string_view name);
+
+private:
+    QLabel* text_;
 };
 
 } // namespace fernwick

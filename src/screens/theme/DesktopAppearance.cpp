@@ -1,10 +1,10 @@
 #include "screens/theme/DesktopAppearance.h"
 
-#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
+#include <QFileInfo>
 #include <QTimer>
 
 namespace fernwick {
@@ -45,21 +45,30 @@ QVariant unwrapped(QVariant value) {
 
 } // namespace
 
-DesktopAppearance::DesktopAppearance(std::function<void(Appearance)> report) : report_(std::move(report)) {
+DesktopAppearance::DesktopAppearance(std::function<void(Appearance)> report, FindBus findBus)
+    : report_(std::move(report)), findBus_(std::move(findBus)) {
     QTimer::singleShot(0, this, [this] { ask(); });
 }
 
+std::optional<QDBusConnection> DesktopAppearance::sessionBus() {
+    // Without an address and a socket in the usual place the library would start a bus of its own.
+    if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS") &&
+        !QFileInfo::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/bus"))) {
+        return std::nullopt;
+    }
+    return QDBusConnection::sessionBus();
+}
+
 void DesktopAppearance::ask() {
-    // Without an address the bus library would start a bus of its own.
-    if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS")) {
+    auto found = findBus_();
+    if (!found || !found->isConnected()) {
         return;
     }
-    auto bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected()) {
-        return;
-    }
+    QDBusConnection& bus = *found;
+    // A slot that takes the whole message: at this moment the library may not know the types of the arguments
+    // yet, and then it would refuse a slot that names them.
     bus.connect(portalService(), portalPath(), settingsInterface(), QStringLiteral("SettingChanged"), this,
-                SLOT(settingChanged(QString, QString, QDBusVariant)));
+                SLOT(settingChanged(QDBusMessage)));
     auto call = QDBusMessage::createMethodCall(portalService(), portalPath(), settingsInterface(),
                                                QStringLiteral("Read"));
     call << appearanceNamespace() << colorSchemeKey();
@@ -73,9 +82,10 @@ void DesktopAppearance::ask() {
     });
 }
 
-void DesktopAppearance::settingChanged(const QString& space, const QString& key, const QDBusVariant& value) {
-    if (space == appearanceNamespace() && key == colorSchemeKey()) {
-        tell(value.variant());
+void DesktopAppearance::settingChanged(const QDBusMessage& message) {
+    const QVariantList arguments = message.arguments();
+    if (arguments.size() == 3 && arguments[0] == appearanceNamespace() && arguments[1] == colorSchemeKey()) {
+        tell(arguments[2]);
     }
 }
 

@@ -19,9 +19,9 @@ inline constexpr qsizetype kLongestLine = 256;
 // Bytes that are not UTF-8 show as the replacement character.
 [[nodiscard]] QString displayLine(std::string_view utf8, qsizetype limit = kLongestLine);
 
-// Draws one line in the painter's font and pen at the left edge of the area, cut short where there is no room. Unless a
-// direction is given the text runs in its own, so that the ellipsis stands where its reader would look for the rest. Returns the width of
-// what was drawn.
+// Draws one line in the painter's font and pen at the left edge of the area, cut short where there is no room.
+// Unless a direction is given the text runs in its own, so that the ellipsis stands where its reader would look
+// for the rest. Returns the width of what was drawn.
 int drawLine(QPainter& painter, const QRect& area, const QString& text,
              Qt::LayoutDirection direction = Qt::LayoutDirectionAuto);
 

@@ -6,8 +6,8 @@
 #include <cmath>
 #include <utility>
 
-// The resource file is part of a static library, so the linker needs to hear that it is wanted. The macro works in
-// the global namespace only.
+// The resource file is part of a static library, so the linker needs to hear that it is wanted. The macro works
+// in the global namespace only.
 static void registerIcons() {
     Q_INIT_RESOURCE(icons);
 }
@@ -105,7 +105,8 @@ QPixmap Icons::pixmap(Icon icon, const QColor& color, int size, qreal ratio) con
 }
 
 void Icons::paint(QPainter& painter, Icon icon, const QColor& color, const QRectF& area, int size) const {
-    const QPointF corner(std::round(area.center().x() - size / 2.0), std::round(area.center().y() - size / 2.0));
+    const QPointF corner(std::round(area.center().x() - size / 2.0),
+                         std::round(area.center().y() - size / 2.0));
     painter.drawPixmap(corner, pixmap(icon, color, size, painter.device()->devicePixelRatioF()));
 }
 

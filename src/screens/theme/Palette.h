@@ -45,8 +45,8 @@ struct Palette {
 // The colours of an appearance.
 [[nodiscard]] Palette paletteFor(Appearance appearance);
 
-// The same for the toolkit's own widgets. Secondary text is the role PlaceholderText there, so that a label gets it
-// by its foreground role and follows a change of appearance.
+// The same for the toolkit's own widgets. Secondary text is the role PlaceholderText there, so that a label
+// gets it by its foreground role and follows a change of appearance.
 [[nodiscard]] QPalette toolkitPalette(const Palette& colors);
 
 // The colour with another opacity, 0 to 1.

@@ -38,8 +38,8 @@ private:
     NamedColor color_;
 };
 
-// One line of plain text that ends in an ellipsis where there is no room for it. It runs in the text's own direction,
-// unless the label was given one.
+// One line of plain text that ends in an ellipsis where there is no room for it. It runs in the text's own
+// direction, unless the label was given one.
 class ElidedLabel final : public QLabel {
 public:
     explicit ElidedLabel(QWidget* parent) : QLabel(parent) { setTextFormat(Qt::PlainText); }

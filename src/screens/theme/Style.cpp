@@ -30,8 +30,9 @@ QRegion roundedRegion(const QRect& area, int radius) {
     const int side = 2 * radius;
     QRegion region(area.adjusted(radius, 0, -radius, 0));
     region += area.adjusted(0, radius, 0, -radius);
-    for (const QPoint corner : {area.topLeft(), area.topRight() - QPoint(side - 1, 0),
-                                area.bottomLeft() - QPoint(0, side - 1), area.bottomRight() - QPoint(side - 1, side - 1)}) {
+    for (const QPoint corner :
+         {area.topLeft(), area.topRight() - QPoint(side - 1, 0), area.bottomLeft() - QPoint(0, side - 1),
+          area.bottomRight() - QPoint(side - 1, side - 1)}) {
         region += QRegion(QRect(corner, QSize(side, side)), QRegion::Ellipse);
     }
     return region;
@@ -46,7 +47,8 @@ void Style::drawPrimitive(PrimitiveElement element, const QStyleOption* option, 
     const Palette& colors = theme_.colors();
     switch (element) {
     case PE_PanelLineEdit:
-        if (const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option); !frame || frame->lineWidth > 0) {
+        if (const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
+            !frame || frame->lineWidth > 0) {
             stylepaint::textField(*painter, *option, colors);
         }
         return;
@@ -189,7 +191,8 @@ QSize Style::sizeFromContents(ContentsType type, const QStyleOption* option, con
                               const QWidget* widget) const {
     switch (type) {
     case CT_PushButton:
-        return {size.width() + 2 * kButtonPadding, std::max(size.height() + grid::kSmall, grid::kControlHeight)};
+        return {size.width() + 2 * kButtonPadding,
+                std::max(size.height() + grid::kSmall, grid::kControlHeight)};
     case CT_LineEdit:
         return {size.width() + 2 * kFieldPadding, std::max(size.height() + grid::kSmall, grid::kControlHeight)};
     case CT_ComboBox:
@@ -200,7 +203,8 @@ QSize Style::sizeFromContents(ContentsType type, const QStyleOption* option, con
         const QSize base = QProxyStyle::sizeFromContents(type, option, size, widget);
         const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
         const bool line = item != nullptr && item->menuItemType == QStyleOptionMenuItem::Separator;
-        return {base.width() + grid::kExtraLarge, line ? grid::kSmall + 1 : std::max(base.height(), kMenuItemHeight)};
+        return {base.width() + grid::kExtraLarge,
+                line ? grid::kSmall + 1 : std::max(base.height(), kMenuItemHeight)};
     }
     default:
         return QProxyStyle::sizeFromContents(type, option, size, widget);
@@ -245,7 +249,8 @@ int Style::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* 
                      QStyleHintReturn* returned) const {
     switch (hint) {
     case SH_Menu_Mask:
-        if (auto* mask = qstyleoption_cast<QStyleHintReturnMask*>(returned); mask != nullptr && option != nullptr) {
+        if (auto* mask = qstyleoption_cast<QStyleHintReturnMask*>(returned);
+            mask != nullptr && option != nullptr) {
             mask->region = roundedRegion(option->rect, grid::kControlRadius);
             return 1;
         }

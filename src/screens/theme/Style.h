@@ -32,7 +32,8 @@ public:
     void polish(QWidget* widget) override;
 
 private:
-    [[nodiscard]] bool drawBareMenuPart(ControlElement element, const QStyleOption& option, QPainter& painter) const;
+    [[nodiscard]] bool drawBareMenuPart(ControlElement element, const QStyleOption& option,
+                                        QPainter& painter) const;
 
     const Theme& theme_;
 };

@@ -45,7 +45,8 @@ QColor filledGround(ButtonRole role, const Palette& colors) {
 
 } // namespace
 
-void roundedBox(QPainter& painter, const QRectF& area, const QColor& fill, const QColor& border, double radius) {
+void roundedBox(QPainter& painter, const QRectF& area, const QColor& fill, const QColor& border,
+                double radius) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(fill);

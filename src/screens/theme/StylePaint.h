@@ -37,7 +37,8 @@ void comboBox(QPainter& painter, const QStyleOptionComboBox& option, const Theme
 void menuPanel(QPainter& painter, const QStyleOption& option, const Palette& colors);
 void menuItem(QPainter& painter, const QStyleOptionMenuItem& option, const Theme& theme);
 void menuBarItem(QPainter& painter, const QStyleOptionMenuItem& option, const Palette& colors);
-void scrollBar(QPainter& painter, const QStyleOptionSlider& option, const QRectF& handle, const Palette& colors);
+void scrollBar(QPainter& painter, const QStyleOptionSlider& option, const QRectF& handle,
+               const Palette& colors);
 
 } // namespace stylepaint
 } // namespace fernwick

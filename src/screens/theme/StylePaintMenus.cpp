@@ -22,13 +22,15 @@ bool has(const QStyleOption& option, QStyle::StateFlag flag) {
 
 void separator(QPainter& painter, const QStyleOptionMenuItem& option, const Palette& colors) {
     const int middle = option.rect.center().y();
-    painter.fillRect(QRect(option.rect.left() + grid::kSmall, middle, option.rect.width() - 2 * grid::kSmall, 1),
-                     colors.separator);
+    painter.fillRect(
+        QRect(option.rect.left() + grid::kSmall, middle, option.rect.width() - 2 * grid::kSmall, 1),
+        colors.separator);
 }
 
 void itemMark(QPainter& painter, const QStyleOptionMenuItem& option, const QColor& color, const Theme& theme) {
     const bool mirrored = option.direction == Qt::RightToLeft;
-    const int left = mirrored ? option.rect.right() - kMarkWidth - grid::kTight : option.rect.left() + grid::kTight;
+    const int left =
+        mirrored ? option.rect.right() - kMarkWidth - grid::kTight : option.rect.left() + grid::kTight;
     const QRect area(left, option.rect.top(), kMarkWidth, option.rect.height());
     if (option.checked) {
         theme.icons().paint(painter, Icon::check, color, area, kMarkSize);
@@ -63,7 +65,8 @@ void menuItem(QPainter& painter, const QStyleOptionMenuItem& option, const Theme
     }
     const int lead = grid::kSmall + 2 + (marked ? kMarkWidth - grid::kTight : 0);
     const bool mirrored = option.direction == Qt::RightToLeft;
-    const QRect area = option.rect.adjusted(mirrored ? grid::kMedium : lead, 0, mirrored ? -lead : -grid::kMedium, 0);
+    const QRect area =
+        option.rect.adjusted(mirrored ? grid::kMedium : lead, 0, mirrored ? -lead : -grid::kMedium, 0);
     const auto tab = option.text.indexOf(QLatin1Char('\t'));
     painter.setFont(option.font);
     painter.setPen(color);
@@ -83,14 +86,16 @@ void menuBarItem(QPainter& painter, const QStyleOptionMenuItem& option, const Pa
     painter.fillRect(option.rect, colors.window);
     if (has(option, QStyle::State_Selected)) {
         roundedBox(painter, QRectF(option.rect).adjusted(1, 2, -1, -2),
-                   has(option, QStyle::State_Sunken) ? colors.pressed : colors.hover, Qt::transparent, kItemRadius);
+                   has(option, QStyle::State_Sunken) ? colors.pressed : colors.hover, Qt::transparent,
+                   kItemRadius);
     }
     painter.setPen(withOpacity(colors.text, has(option, QStyle::State_Enabled) ? 1.0 : kDisabledOpacity));
     painter.drawText(option.rect, Qt::AlignCenter | Qt::TextHideMnemonic, option.text);
     painter.restore();
 }
 
-void scrollBar(QPainter& painter, const QStyleOptionSlider& option, const QRectF& handle, const Palette& colors) {
+void scrollBar(QPainter& painter, const QStyleOptionSlider& option, const QRectF& handle,
+               const Palette& colors) {
     if (option.minimum >= option.maximum) {
         return;
     }

@@ -7,8 +7,8 @@
 
 namespace fernwick {
 
-// Reads the text as a hexadecimal number, white space around it and every "#" in it left out; its low three bytes
-// are red, green and blue. Text that is no such number, or one beyond 64 bits, gives blue.
+// Reads the text as a hexadecimal number, white space around it and every "#" in it left out; its low three
+// bytes are red, green and blue. Text that is no such number, or one beyond 64 bits, gives blue.
 [[nodiscard]] QColor tagColor(std::string_view colorHex, const Palette& colors);
 
 } // namespace fernwick

@@ -19,7 +19,8 @@ constexpr double kBodyPixels = 13.0;
 constexpr double kLargestTextScale = 1.5;
 
 Appearance appearanceOf(const QPalette& palette) {
-    const bool dark = palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
+    const bool dark =
+        palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
     return dark ? Appearance::dark : Appearance::light;
 }
 
@@ -38,7 +39,8 @@ std::optional<Appearance> Theme::forcedAppearance() {
 
 Theme::Theme(QApplication& /*application*/, std::optional<Appearance> forced)
     : appearance_(forced.value_or(appearanceOf(QApplication::palette()))),
-      colors_(paletteFor(appearance_)), systemFont_(QApplication::font()) {
+      colors_(paletteFor(appearance_)),
+      systemFont_(QApplication::font()) {
     textScale_ = std::clamp(QFontInfo(systemFont_).pixelSize() / kBodyPixels, 1.0, kLargestTextScale);
     systemFont_.setPixelSize(pixels(kBodyPixels));
     QApplication::setFont(systemFont_);

@@ -1,6 +1,6 @@
-// How the application looks: the appearance in force, its colours, fonts and icons, and the style that draws the
-// toolkit's controls. Made once, after the application object and before any widget.
-// Threads: main thread only.
+// How the application looks: the appearance in force, its colours, fonts and icons, and the style that draws
+// the toolkit's controls. Made once, after the application object and before any widget. Threads: main thread
+// only.
 #pragma once
 
 #include "screens/theme/Icons.h"
@@ -23,8 +23,8 @@ public:
     // The appearance that the environment variable FERNWICK_APPEARANCE asks for ("light" or "dark"), if any.
     [[nodiscard]] static std::optional<Appearance> forcedAppearance();
 
-    // Dresses the application. Without a forced appearance it starts with what the toolkit's palette suggests and
-    // then follows the desktop's setting, which it asks for once the event loop runs.
+    // Dresses the application. Without a forced appearance it starts with what the toolkit's palette suggests
+    // and then follows the desktop's setting, which it asks for once the event loop runs.
     explicit Theme(QApplication& application, std::optional<Appearance> forced = forcedAppearance());
     Theme(const Theme&) = delete;
     Theme& operator=(const Theme&) = delete;
