@@ -7,7 +7,7 @@ import time
 from pathlib import Path
 
 from harness import App, SystemTest, main, stored, wait_until
-from lab.app import Widget
+from lab.screen import Widget
 
 LINES, TUNNELS = 100_000, 200
 MEGABYTES_ALLOWED = 60

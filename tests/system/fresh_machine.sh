@@ -39,6 +39,7 @@ say "Running in it: $*"
 export machine
 exec unshare --mount --pid --fork --kill-child --propagation private -- bash -c '
   set -e
+  mount --bind "$machine" "$machine" # the root of a machine is a mount point
   mount -t proc proc "$machine/proc"
   mount -t sysfs -o ro sysfs "$machine/sys"
   mount --rbind /dev "$machine/dev"
