@@ -32,6 +32,7 @@ for name in sources.list sources.list.d apt.conf.d; do
   [ ! -e "/etc/apt/$name" ] || cp -rL --no-preserve=ownership "/etc/apt/$name" "$machine/etc/apt/"
 done
 cp -L /etc/resolv.conf "$machine/etc/resolv.conf"
+echo '127.0.0.1 localhost' >"$machine/etc/hosts"
 printf '#!/bin/sh\nexit 101\n' >"$machine/usr/sbin/policy-rc.d" # no package starts a service
 chmod +x "$machine/usr/sbin/policy-rc.d"
 

@@ -44,7 +44,9 @@ class Server:
         inside.write_text(_inside_script(self.folder, config))
         with open(self.folder / "log", "ab") as log:
             self.process = self.session.start([*namespace.NESTED, "sh", inside], stderr=log)
-        wait_until(lambda: listens(self.port), f"the ssh server listens on port {self.port} ({self.log()[-400:]!r})")
+        wait_until(lambda: listens(self.port) or self.process.poll() is not None, "the ssh server listens or ends")
+        if self.process.poll() is not None:
+            raise ChildProcessError(f"the ssh server ended with {self.process.returncode}: {self.log()[-400:]}")
 
     def stop(self) -> None:
         """Ends the listening server; logins that are under way go on."""
