@@ -25,7 +25,7 @@ from lab.preferences import Preferences
 from lab.session import Session
 from lab.sshlab import SshLab
 from lab.waiting import wait_until
-from lab.wire import fetch, free_port
+from lab.wire import fetch, free_port, listens
 
 SHOWN = "Intranet"
 DEFAULT_PICTURE = REPOSITORY / "build/demo/fernwick-demo.png"
@@ -90,6 +90,7 @@ def show(session: Session, picture: Path) -> App:
         app.press("Connect")
         app.find("Connected")
     with step("Fetched the page through the tunnel") as remarks:
+        wait_until(lambda: listens(port), f"port {port} is forwarded")  # the window counts on time alone
         page = fetch(port, site.NAME).decode()
         remarks.append(f'"{page}"')
         if page != site.GREETING:
@@ -118,6 +119,7 @@ def parse() -> argparse.Namespace:
 def main() -> int:
     """Runs the demo; 0 when everything worked."""
     options = parse()
+    signal.signal(signal.SIGINT, signal.default_int_handler)  # a shell starts background jobs without it
     signal.signal(signal.SIGTERM, lambda *_: sys.exit("the demo was asked to end"))
     try:
         namespace.enter()

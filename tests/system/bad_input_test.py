@@ -8,7 +8,7 @@ import plistlib
 from pathlib import Path
 
 from harness import App, SystemTest, main, stored, wait_until
-from lab.app import text_of
+from lab.screen import text_of
 
 SAMPLE = "My First Tunnel"
 

@@ -29,7 +29,13 @@ class Forwards(SshTest):
         """The application with this one tunnel, connected."""
         app = self.start(record, keys=[self.key])
         self.connect(app, record["name"])
+        self.assert_up(record)
         return app
+
+    def assert_up(self, record: stored.Record) -> None:
+        """Waits for the forward itself: the window counts on time alone, and a busy machine may need longer."""
+        port = record["remotePort" if record["tunnelType"] == stored.REMOTE else "localPort"]
+        wait_until(lambda: listens(int(port)), f"port {port} is forwarded")
 
     def command_line(self, app: App) -> list[str]:
         """The words of the ssh child's command line; of the first one where a jump host makes two."""
@@ -53,7 +59,6 @@ class Forwards(SshTest):
         record = self.tunnel("Remote", tunnelType=stored.REMOTE, localPort=str(here), remotePort=str(there))
         app = self.connected(record)
         start_site(self.session, here)
-        self.assertTrue(listens(there))
         self.assertEqual(fetch(there, site.NAME), site.GREETING.encode())
         self.assertIn(f"{there}:localhost:{here}", self.command_line(app))
 
@@ -84,6 +89,7 @@ class Forwards(SshTest):
         record = self.local("Agent", authMethod="SSH Agent") | {"identityKeyID": stored.fresh_id()}
         app = self.start(record)
         self.connect(app, "Agent")
+        self.assert_up(record)
         self.assert_carries(record)
         self.assertNotIn("-i", self.command_line(app))
 

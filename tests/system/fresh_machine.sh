@@ -32,6 +32,7 @@ for name in sources.list sources.list.d apt.conf.d; do
   [ ! -e "/etc/apt/$name" ] || cp -rL --no-preserve=ownership "/etc/apt/$name" "$machine/etc/apt/"
 done
 cp -L /etc/resolv.conf "$machine/etc/resolv.conf"
+echo '127.0.0.1 localhost' >"$machine/etc/hosts"
 printf '#!/bin/sh\nexit 101\n' >"$machine/usr/sbin/policy-rc.d" # no package starts a service
 chmod +x "$machine/usr/sbin/policy-rc.d"
 
@@ -39,6 +40,7 @@ say "Running in it: $*"
 export machine
 exec unshare --mount --pid --fork --kill-child --propagation private -- bash -c '
   set -e
+  mount --bind "$machine" "$machine" # the root of a machine is a mount point
   mount -t proc proc "$machine/proc"
   mount -t sysfs -o ro sysfs "$machine/sys"
   mount --rbind /dev "$machine/dev"

@@ -6,7 +6,8 @@ import signal
 import subprocess
 
 from harness import SystemTest, main, stored, wait_until
-from lab.app import App, act, enabled, program
+from lab.app import App, program
+from lab.screen import act, enabled
 
 BUS_NAME, BUS_PATH = "com.fernwick.Fernwick", "/com/fernwick/Fernwick"
 

@@ -1,4 +1,4 @@
-"""The application as a person meets it: its windows by name and role, its buttons, its log, its preference file."""
+"""The application as a person meets it: its sidebar, its log, its preference file, its children and its end."""
 
 from __future__ import annotations
 
@@ -6,20 +6,19 @@ import os
 import shlex
 import signal
 import subprocess
-from collections.abc import Iterator, Sequence
+from collections.abc import Sequence
 from pathlib import Path
-from typing import Any
 
 from lab.desktop import Desktop
 from lab.namespace import NESTED
 from lab.preferences import Preferences
+from lab.screen import Screen, Widget, selected, walk
 from lab.session import POWERLESS, Session, descendants, program_name
 from lab.waiting import wait_for, wait_until
 
 REPOSITORY = Path(__file__).resolve().parents[3]
 # The items of a row's context menu, by how far down they stand.
 ROW_MENU = {"Start Tunnel": 1, "Stop Tunnel": 1, "Duplicate": 2, "Delete": 3}
-Widget = Any  # gi.repository.Atspi.Accessible, which has no types
 
 
 def program() -> Path:
@@ -27,10 +26,10 @@ def program() -> Path:
     return Path(os.environ.get("FERNWICK_PROGRAM") or REPOSITORY / "build/release/Fernwick")
 
 
-class App:
-    """One start of the application; a desktop is needed for everything that looks at widgets."""
+class App(Screen):
+    """One start of the application."""
 
-    def __init__(self, session: Session, desktop: Desktop | None = None, *,
+    def __init__(self, session: Session, desktop: Desktop, *,
                  environment: dict[str, str] | None = None, stand_in: Path | None = None,
                  mounts: Sequence[str] = ()) -> None:
         """Starts the program; with `stand_in` in place of ssh, and after the shell commands `mounts` in a namespace."""
@@ -43,75 +42,14 @@ class App:
         with open(self.stderr_path, "wb") as stderr:
             self.process = session.start([*wrap, *POWERLESS, program()], environment=environment, stderr=stderr)
         self.pid = self.process.pid
-        self._accessible: Widget = None
 
-    # Its widgets
-
-    @property
-    def root(self) -> Widget:
-        """The application in the accessibility tree; waits for it."""
-        if self._accessible is None:
-            self._accessible = wait_until(self._registered, "the application is known to accessibility")
-        return self._accessible
-
-    def _registered(self) -> Widget:
-        assert self.process.poll() is None, f"the application ended with {self.process.returncode}: {self.stderr()}"
-        desktop = _atspi().get_desktop(0)
-        for index in range(desktop.get_child_count()):
-            candidate = desktop.get_child_at_index(index)
-            if candidate is not None and candidate.get_process_id() == self.pid:
-                return candidate
-        return None
-
-    def all(self, name: str | None = None, role: str | None = None, under: Widget = None) -> list[Widget]:
-        """The widgets on the screen with that name and role, in reading order of the tree."""
-        return [node for node in walk(under or self.root)
-                if (name is None or node.get_name() == name) and (role is None or node.get_role_name() == role)
-                and showing(node)]
-
-    def has(self, name: str, role: str | None = None) -> bool:
-        """Whether such a widget is on the screen at this moment."""
-        return bool(self.all(name, role))
-
-    def find(self, name: str | None = None, role: str | None = None, under: Widget = None,
-             deadline: float = 5.0) -> Widget:
-        """The first such widget; waits for it to appear."""
-        what = f"a widget {name!r} ({role or 'of any role'}) is on the screen"
-        return wait_until(lambda: self.all(name, role, under), what, deadline)[0]
-
-    def gone(self, name: str, role: str | None = None, deadline: float = 5.0) -> None:
-        """Waits until no such widget is on the screen."""
-        wait_until(lambda: not self.has(name, role), f"{name!r} leaves the screen", deadline)
-
-    def press(self, name: str, role: str | None = "push button", under: Widget = None) -> None:
-        """Presses a button, or toggles a check box, by its accessibility action."""
-        widget = self.find(name, role, under)
-        wait_until(lambda: enabled(widget), f"{name!r} can be pressed")
-        act(widget)
-
-    def type(self, field: str, text: str, under: Widget = None) -> None:
-        """Replaces the text of the entry with that name."""
-        entry = self.find(field, "text", under)
-        assert entry.get_editable_text_iface().set_text_contents(text), f"the field {field!r} takes no text"
-
-    def texts(self, under: Widget = None) -> list[str]:
-        """Every name that is to be read on the screen."""
-        return [node.get_name() for node in walk(under or self.root) if node.get_name() and showing(node)]
-
-    # Its pointer
-
-    def click(self, widget: Widget, button: int = 1) -> None:
-        """Clicks the middle of a widget with the mouse."""
-        assert self.desktop is not None
-        box = widget.get_component_iface().get_extents(_atspi().CoordType.SCREEN)
-        self.desktop.xdotool("mousemove", box.x + box.width // 2, box.y + box.height // 2, "click", button)
+    # Its windows
 
     def choose(self, row: Widget, item: str) -> None:
         """Chooses an item of the context menu of a sidebar row, with the keyboard.
 
         Accessibility does not list popups, so the menu is seen as one more window of the program.
         """
-        assert self.desktop is not None
         before = self._windows()
         self.click(row, 3)
         menu = wait_until(lambda: self._windows() - before, f"the context menu with {item!r} opens")
@@ -119,18 +57,15 @@ class App:
         wait_until(lambda: not self._windows() & menu, f"the menu closes after {item!r}")
 
     def _windows(self) -> set[str]:
-        assert self.desktop is not None
         return set(self.desktop.xdotool("search", "--onlyvisible", "--pid", self.pid).split())
 
     def window(self, title: str = "Fernwick") -> str:
         """The X id of the window with exactly that title; empty while it is hidden."""
-        assert self.desktop is not None
         found = self.desktop.xdotool("search", "--all", "--onlyvisible", "--pid", self.pid, "--name", f"^{title}$")
         return found.split("\n")[0]
 
     def keys(self, *chords: str) -> None:
         """Presses keys in the main window."""
-        assert self.desktop is not None
         self.desktop.xdotool("windowactivate", "--sync", self.window(), "key", "--clearmodifiers", *chords)
 
     # Its catalogue, its log and its children
@@ -153,24 +88,23 @@ class App:
         """Shows a tunnel in the detail column."""
         def clicked() -> bool:
             self.click(self.row(name))
-            return wait_for(lambda: _selected(self.row(name)), 0.5)
+            return wait_for(lambda: selected(self.row(name)), 0.5)
         # a window that has just come up may still be on its way to its place
         wait_until(clicked, f"{name!r} is selected")
         wait_until(lambda: self.has("Connect") or self.has("Stop"), f"the detail column shows {name!r}")
 
     def start_all(self) -> None:
         """Starts every tunnel of the sidebar, one after the other, from its context menu with the keyboard alone."""
-        assert self.desktop is not None
         rows = self.find("Tunnels", "list")
         self.click(rows.get_child_at_index(0))
         # the pointer must not lie where a menu opens, or it would choose an item too
         self.desktop.xdotool("mousemove", 0, 0)
         for index in range(rows.get_child_count()):
             row = rows.get_child_at_index(index)
-            if not wait_for(lambda row=row: _selected(row), 0.5):
+            if not wait_for(lambda row=row: selected(row), 0.5):
                 # when a menu has closed, the keyboard takes a moment to come back to the window
                 self.desktop.xdotool("key", "Down")
-                wait_until(lambda row=row: _selected(row), f"row {index} is selected")
+                wait_until(lambda row=row: selected(row), f"row {index} is selected")
             self.desktop.xdotool("key", "--delay", "2", "Menu", "Down", "Return")
             wait_until(lambda row=row: _state(row.get_name()) != "Idle", f"the tunnel in row {index} starts")
             self.desktop.xdotool("key", "Down")
@@ -223,59 +157,6 @@ class App:
         return self.ended()
 
 
-def walk(node: Widget) -> Iterator[Widget]:
-    """A widget and everything below it; what vanishes meanwhile is left out."""
-    from gi.repository import GLib
-
-    yield node
-    try:
-        count = node.get_child_count()
-    except GLib.Error:
-        return
-    for index in range(count):
-        try:
-            child = node.get_child_at_index(index)
-            if child is not None:
-                yield from walk(child)
-        except GLib.Error:
-            continue
-
-
-def showing(node: Widget) -> bool:
-    """Whether the widget is on the screen."""
-    return bool(node.get_state_set().contains(_atspi().StateType.SHOWING))
-
-
-def enabled(node: Widget) -> bool:
-    """Whether the widget takes input."""
-    return bool(node.get_state_set().contains(_atspi().StateType.ENABLED))
-
-
-def _selected(node: Widget) -> bool:
-    return bool(node.get_state_set().contains(_atspi().StateType.SELECTED))
-
-
-def checked(node: Widget) -> bool:
-    """Whether a check box or a toggle button is on."""
-    return bool(node.get_state_set().contains(_atspi().StateType.CHECKED))
-
-
-def act(widget: Widget, action: str = "") -> None:
-    """Does a widget's action of that name; without a name the one that pressing it would do."""
-    actions = widget.get_action_iface()
-    names = [actions.get_action_name(index) for index in range(actions.get_n_actions())]
-    wanted = [action] if action else ["Press", "Toggle"]
-    chosen = next((names.index(name) for name in wanted if name in names), None)
-    assert chosen is not None, f"{widget.get_name()!r} offers {names} and not {wanted}"
-    actions.do_action(chosen)
-
-
-def text_of(widget: Widget) -> str:
-    """The text in an entry or an editor."""
-    text = widget.get_text_iface()
-    return str(text.get_text(0, text.get_character_count()))
-
-
 def _title(row: str) -> str:
     """A row reads "name, status, user@host"."""
     return row.rsplit(", ", 2)[0]
@@ -283,18 +164,3 @@ def _title(row: str) -> str:
 
 def _state(row: str) -> str:
     return row.rsplit(", ", 2)[1]
-
-
-def _atspi() -> Any:
-    """The accessibility library, connected to the buses that the environment names when it is first used."""
-    import gi
-
-    gi.require_version("Atspi", "2.0")
-    from gi.repository import Atspi
-
-    if not Atspi.is_initialized():
-        Atspi.init()
-        Atspi.set_timeout(5000, 5000)
-        # No main loop runs here to hear of changes, so nothing may be remembered.
-        Atspi.get_desktop(0).set_cache_mask(Atspi.Cache.NONE)
-    return Atspi

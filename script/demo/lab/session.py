@@ -8,6 +8,7 @@ import os
 import shutil
 import signal
 import subprocess
+import sys
 import tempfile
 import uuid
 from collections.abc import Iterator, Sequence
@@ -35,6 +36,7 @@ class Session:
         self._folder("home/.ssh", 0o700)
         self.environment = self._environment()
         self._children: list[subprocess.Popen[bytes]] = []
+        self._guard = self._start_guard()
         _adopt_orphans()
         namespace.move_home(self.home, self.root)
 
@@ -55,6 +57,11 @@ class Session:
             "DBUS_SYSTEM_BUS_ADDRESS": f"unix:path={self.run}/no-bus",
         }
 
+    def _start_guard(self) -> subprocess.Popen[bytes]:
+        """Starts the one process that outlives a killed run, and ends what that leaves behind."""
+        return subprocess.Popen([sys.executable, "-B", "-m", "lab.guard", self.mark, str(self.root)],
+                                stdin=subprocess.PIPE, cwd=Path(__file__).parents[1], start_new_session=True)
+
     def start(self, command: Sequence[str | Path], *, environment: dict[str, str] | None = None,
               stderr: IO[bytes] | int = subprocess.DEVNULL, pass_fds: Sequence[int] = ()) -> subprocess.Popen[bytes]:
         """Starts a program of this run; it also dies when this program is killed."""
@@ -69,7 +76,7 @@ class Session:
 
         Whatever is orphaned comes to us, and the mark in the environment finds what got away even so.
         """
-        found = {*descendants(os.getpid()), *_marked(self.mark)} - {os.getpid()}
+        found = {*descendants(os.getpid()), *marked(self.mark)} - {os.getpid(), self._guard.pid}
         return sorted(pid for pid in found if program is None or program_name(pid) == program)
 
     def close(self) -> None:
@@ -80,6 +87,7 @@ class Session:
             with contextlib.suppress(ProcessLookupError):
                 os.kill(pid, signal.SIGKILL)
         wait_until(lambda: not self.processes(), "the run's processes end", 5.0)
+        self._guard.communicate(timeout=10)
         shutil.rmtree(self.root, ignore_errors=True)
 
 
@@ -131,7 +139,8 @@ def _adopt_orphans() -> None:
     ctypes.CDLL(None).prctl(set_child_subreaper, 1, 0, 0, 0)
 
 
-def _marked(mark: str) -> Iterator[int]:
+def marked(mark: str) -> Iterator[int]:
+    """The living processes with this mark in their environment."""
     wanted = f"{MARKER}={mark}".encode()
     for entry in filter(str.isdigit, os.listdir("/proc")):
         try:

@@ -44,7 +44,9 @@ class Server:
         inside.write_text(_inside_script(self.folder, config))
         with open(self.folder / "log", "ab") as log:
             self.process = self.session.start([*namespace.NESTED, "sh", inside], stderr=log)
-        wait_until(lambda: listens(self.port), f"the ssh server listens on port {self.port} ({self.log()[-400:]!r})")
+        wait_until(lambda: listens(self.port) or self.process.poll() is not None, "the ssh server listens or ends")
+        if self.process.poll() is not None:
+            raise ChildProcessError(f"the ssh server ended with {self.process.returncode}: {self.log()[-400:]}")
 
     def stop(self) -> None:
         """Ends the listening server; logins that are under way go on."""
@@ -91,7 +93,8 @@ class SshLab:
     def start_agent(self) -> None:
         """Starts an ssh-agent that holds the user key; programs started from now on find it."""
         agent = self.session.run / "agent"
-        self.session.start(["ssh-agent", "-D", "-a", agent])
+        # without new privileges: the program is setgid, and would not die with us
+        self.session.start(["setpriv", "--no-new-privs", "--", "ssh-agent", "-D", "-a", agent])
         wait_until(agent.exists, "the ssh agent's socket appears")
         self.session.environment["SSH_AUTH_SOCK"] = str(agent)
         subprocess.run(["ssh-add", "-q", self.key], env=self.session.environment, check=True)
