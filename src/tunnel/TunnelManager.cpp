@@ -123,7 +123,8 @@ platform::ProcessHandlers TunnelManager::childHandlers(const Tunnel& tunnel, Tun
                         auto* manager = weak.get();
                         for (auto& line : lines) {
                             if (manager != nullptr) {
-                                manager->logs_.append(standardErrorLevel(line), std::move(line), id);
+                                const auto level = standardErrorLevel(line);
+                                manager->logs_.append(level, std::move(line), id);
                             }
                         }
                     });

@@ -4,8 +4,8 @@
 #pragma once
 
 #include "platform/Dispatch.h"
-#include "platform/qt/QtMainQueue.h"
 #include "platform/posix/WorkPool.h"
+#include "platform/qt/QtMainQueue.h"
 
 #include <memory>
 

@@ -4,6 +4,7 @@
 #include "screens/theme/StylePaint.h"
 
 #include <QPainter>
+#include <QSignalBlocker>
 
 #include <algorithm>
 
@@ -36,8 +37,14 @@ TagFilterChip::TagFilterChip(const Theme& theme, const QString& label, bool isSe
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    // Not clicked, which is silent when assistive technology toggles the chip.
-    connect(this, &QAbstractButton::toggled, this, [action = std::move(action)] { action(); });
+    connect(this, &QAbstractButton::clicked, this, action);
+    // Assistive technology toggles without a click; to us it is one, and what is chosen is not the chip's to
+    // say.
+    connect(this, &QAbstractButton::toggled, this, [this, isSelected, action = std::move(action)] {
+        const QSignalBlocker blocker(this);
+        setChecked(isSelected);
+        action();
+    });
 }
 
 QSize TagFilterChip::sizeHint() const {
