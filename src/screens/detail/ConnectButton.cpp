@@ -70,7 +70,7 @@ void ConnectButton::paintEvent(QPaintEvent* /*event*/) {
     }
     painter.setFont(font());
     const int width = kIconSize + kGap + fontMetrics().horizontalAdvance(text());
-    const QRectF icon((this->width() - width) / 2, (height() - kIconSize) / 2, kIconSize, kIconSize);
+    const QRectF icon(QRect((this->width() - width) / 2, (height() - kIconSize) / 2, kIconSize, kIconSize));
     if (status_ && status_->kind() == TunnelStatus::Kind::connecting) {
         paintSpinner(painter, icon);
     } else {

@@ -45,6 +45,7 @@ SidebarView::SidebarView(const MainWindowContext& context, SidebarCallbacks call
     layout->addWidget(strip_);
     layout->addWidget(stripDivider_);
     pages_ = new QStackedWidget(this);
+    pages_->setFocusPolicy(Qt::ClickFocus);
     pages_->addWidget(buildList());
     empty_ = new EmptyListView(context.theme, pages_);
     pages_->addWidget(empty_);
@@ -154,7 +155,11 @@ void SidebarView::focusSearch() {
 }
 
 void SidebarView::focusList() {
-    list_->setFocus();
+    if (pages_->currentWidget() == list_) {
+        list_->setFocus();
+    } else {
+        pages_->setFocus(); // where nothing shows it, so that no button stands out in an empty window
+    }
 }
 
 void SidebarView::openMenu(int row, QPoint where) {
