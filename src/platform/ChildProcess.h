@@ -25,7 +25,8 @@ struct LaunchError {
 struct ProcessRequest {
     std::string executable; // absolute path
     std::vector<std::string> arguments;
-    Environment environment; // the child's whole environment
+    Environment environment;        // the child's whole environment
+    std::string workingFolder = {}; // absolute; empty: the application's own
 };
 
 // What is told while a child runs. Both are called on a queue of the backend's own, one call at a time.

@@ -4,6 +4,7 @@
 
 #include "platform/ChildProcess.h"
 
+#include <optional>
 #include <string>
 
 namespace fernwick::platform {
@@ -23,6 +24,11 @@ public:
 
     // The application's support folder: $XDG_DATA_HOME/Fernwick, else ~/.local/share/Fernwick.
     [[nodiscard]] virtual std::string supportFolder() const = 0;
+
+    // A folder of the application's own in which the name "default" leads to the socket of the ssh agent that
+    // the application was started with (SSH_AUTH_SOCK). Nothing when there is no agent or the folder cannot be
+    // made.
+    [[nodiscard]] virtual std::optional<std::string> agentFolder() const = 0;
 
     // $TMPDIR, else the system's folder for temporary files.
     [[nodiscard]] virtual std::string temporaryFolder() const = 0;

@@ -17,7 +17,8 @@ platform::ProcessRequest SshLauncher::compose(const Tunnel& tunnel) const {
     announceCredentials(tunnel);
     platform::ProcessRequest request{.executable = std::string(kSshProgram),
                                      .arguments = buildSSHArguments(tunnel, lookUpKeyFacts(tunnel)),
-                                     .environment = childEnvironment(tunnel)};
+                                     .environment = childEnvironment(tunnel),
+                                     .workingFolder = workingFolder(tunnel)};
     logs_.add(LogLevel::info, fmt::format("Executing: {} {}", kSshProgram, fmt::join(request.arguments, " ")),
               tunnel.id);
     return request;
@@ -39,6 +40,11 @@ platform::Environment SshLauncher::childEnvironment(const Tunnel& tunnel) const 
     }
     environment.erase("SSH_BATCH_MODE");
     return environment;
+}
+
+// ssh takes the "default" of "IdentityAgent=default" for the path of a socket, relative to where it runs.
+std::string SshLauncher::workingFolder(const Tunnel& tunnel) const {
+    return tunnel.authMethod == AuthMethod::agent ? host_.agentFolder().value_or("") : "";
 }
 
 KeyFacts SshLauncher::lookUpKeyFacts(const Tunnel& tunnel) const {

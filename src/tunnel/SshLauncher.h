@@ -26,6 +26,7 @@ public:
 
 private:
     [[nodiscard]] platform::Environment childEnvironment(const Tunnel& tunnel) const;
+    [[nodiscard]] std::string workingFolder(const Tunnel& tunnel) const;
     void announceCredentials(const Tunnel& tunnel) const;
 
     const platform::HostEnvironment& host_;

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
 
 namespace fernwick::platform {
 
@@ -37,6 +38,25 @@ TEST_P(HostFolders, AreThose) {
     EXPECT_EQ(host.supportFolder(), expand(GetParam().support));
     EXPECT_EQ(host.temporaryFolder(), GetParam().temporary);
     EXPECT_FALSE(host.accountHome().empty());
+}
+
+TEST(HostAgent, DefaultLeadsToTheSocketOfTheAgent) {
+    const fakes::TemporaryFolder folder;
+    const PosixHostEnvironment first({{"XDG_DATA_HOME", folder.path()}, {"SSH_AUTH_SOCK", "/run/one"}});
+    const auto agent = first.agentFolder();
+    ASSERT_TRUE(agent);
+    const auto link = std::filesystem::path(*agent) / "default";
+    EXPECT_EQ(std::filesystem::read_symlink(link), "/run/one");
+    const PosixHostEnvironment second({{"XDG_DATA_HOME", folder.path()}, {"SSH_AUTH_SOCK", "/run/two"}});
+    EXPECT_EQ(second.agentFolder(), agent);
+    EXPECT_EQ(std::filesystem::read_symlink(link), "/run/two");
+}
+
+TEST(HostAgent, ThereIsNoneWithoutASocketOrAFolder) {
+    const fakes::TemporaryFolder folder;
+    EXPECT_EQ(PosixHostEnvironment(Environment{{"XDG_DATA_HOME", folder.path()}}).agentFolder(), std::nullopt);
+    const PosixHostEnvironment nowhere({{"XDG_DATA_HOME", "/proc/nowhere"}, {"SSH_AUTH_SOCK", "/run/one"}});
+    EXPECT_EQ(nowhere.agentFolder(), std::nullopt);
 }
 
 INSTANTIATE_TEST_SUITE_P(

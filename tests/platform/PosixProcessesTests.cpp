@@ -199,6 +199,17 @@ TEST_F(PosixProcessesTest, ArgumentsAndEnvironmentArriveAsTheyAre) {
     toKill_.push_back(std::stoi(grandchildren));
 }
 
+TEST_F(PosixProcessesTest, ChildRunsInItsWorkingFolder) {
+    const auto child = harness_.processes().makeChild();
+    ASSERT_TRUE(child->launch({"/bin/sleep", {"1000"}, {}, "/usr"}, {}));
+    toKill_.push_back(child->pid());
+    EXPECT_EQ(std::filesystem::read_symlink("/proc/" + std::to_string(child->pid()) + "/cwd"), "/usr");
+    const auto lost = harness_.processes().makeChild();
+    const auto launched = lost->launch({"/bin/sleep", {"1000"}, {}, "/usr/nowhere"}, {});
+    ASSERT_FALSE(launched);
+    EXPECT_EQ(launched.error().description, "No such file or directory");
+}
+
 TEST_F(PosixProcessesTest, ProgramThatMayNotBeExecutedIsRefused) {
     const fakes::TemporaryFolder folder;
     folder.write("plain", "text");

@@ -84,6 +84,24 @@ TEST(SshLauncher, AgentKeepsItsSocket) {
               (platform::Environment{{"HOME", "/elsewhere"}, {"SSH_AUTH_SOCK", "/run/agent"}}));
 }
 
+TEST(SshLauncher, AgentRunsWhereItsSocketIsCalledDefault) {
+    TunnelWorld world;
+    world.host.agent = "/support/agent";
+    auto tunnel = world.add();
+    tunnel.authMethod = AuthMethod::agent;
+    EXPECT_EQ(world.launch(tunnel).request().workingFolder, "/support/agent");
+    world.host.agent.reset();
+    auto without = world.add();
+    without.authMethod = AuthMethod::agent;
+    EXPECT_EQ(world.launch(without).request().workingFolder, "");
+}
+
+TEST(SshLauncher, TheOtherMethodsRunWhereTheApplicationDoes) {
+    TunnelWorld world;
+    world.host.agent = "/support/agent";
+    EXPECT_EQ(world.launch(world.add()).request().workingFolder, "");
+}
+
 TEST(SshLauncher, MissingHomeIsTheAccounts) {
     TunnelWorld world;
     world.host.environment = {};

@@ -27,6 +27,7 @@ struct ChildPlan {
     const char* executable = nullptr;
     char* const* arguments = nullptr;
     char* const* environment = nullptr;
+    const char* workingFolder = nullptr; // null: stay
     rlimit descriptorLimit{};
     int parent = 0;
     int input = -1;
@@ -74,7 +75,8 @@ void resetSignals() noexcept {
     resetSignals();
     int code = 0;
     if (dup2(plan.input, STDIN_FILENO) < 0 || dup2(plan.output, STDOUT_FILENO) < 0 ||
-        dup2(plan.error, STDERR_FILENO) < 0) {
+        dup2(plan.error, STDERR_FILENO) < 0 ||
+        (plan.workingFolder != nullptr && chdir(plan.workingFolder) != 0)) {
         code = errno;
     } else {
         closeOthersOnExec();
@@ -170,11 +172,12 @@ ChildLauncher::ChildLauncher() {
 
 std::expected<LaunchedChild, LaunchError> ChildLauncher::launch(const std::string& executable,
                                                                 const std::vector<std::string>& arguments,
-                                                                const Environment* environment) const {
+                                                                const Environment* environment,
+                                                                const std::string& workingFolder) const {
     std::vector<std::string> words{executable};
     words.insert(words.end(), arguments.begin(), arguments.end());
     auto variables = environment != nullptr ? environmentWords(*environment) : std::vector<std::string>();
-    if (anyHasNul(words) || anyHasNul(variables)) {
+    if (anyHasNul(words) || anyHasNul(variables) || workingFolder.contains('\0')) {
         return std::unexpected(launchError(EINVAL));
     }
     const auto input = aboveStandard(FileDescriptor(open("/dev/null", O_RDONLY | O_CLOEXEC)));
@@ -192,6 +195,7 @@ std::expected<LaunchedChild, LaunchError> ChildLauncher::launch(const std::strin
     const pid_t pid = makeChild({.executable = executable.c_str(),
                                  .arguments = argumentPointers.data(),
                                  .environment = environment != nullptr ? variablePointers.data() : environ,
+                                 .workingFolder = workingFolder.empty() ? nullptr : workingFolder.c_str(),
                                  .descriptorLimit = startLimit_,
                                  .parent = getpid(),
                                  .input = input.get(),

@@ -31,10 +31,11 @@ public:
 
     // Returns once the program runs or could not be executed; the caller's thread waits for that. The child has
     // the null device as standard input, pipes as output and error, every signal at its default and none
-    // blocked. Without an environment it gets the process's own.
+    // blocked. Without an environment, and with an empty working folder, it gets the process's own.
     [[nodiscard]] std::expected<LaunchedChild, LaunchError> launch(const std::string& executable,
                                                                    const std::vector<std::string>& arguments,
-                                                                   const Environment* environment) const;
+                                                                   const Environment* environment,
+                                                                   const std::string& workingFolder = {}) const;
 
 private:
     rlimit startLimit_{}; // of open descriptors

@@ -1,6 +1,9 @@
 #include "platform/posix/PosixHostEnvironment.h"
 
+#include "platform/posix/AtomicFile.h"
+
 #include <cerrno>
+#include <cstdio>
 #include <optional>
 #include <pwd.h>
 #include <string_view>
@@ -69,6 +72,22 @@ std::string PosixHostEnvironment::configFolder() const {
 
 std::string PosixHostEnvironment::supportFolder() const {
     return folder("XDG_DATA_HOME", "/.local/share") + "/Fernwick";
+}
+
+std::optional<std::string> PosixHostEnvironment::agentFolder() const {
+    const auto socket = absolutePath(variables_, "SSH_AUTH_SOCK");
+    const auto folder = supportFolder() + "/agent";
+    if (!socket || makeFolders(folder) != 0) {
+        return std::nullopt;
+    }
+    // Renamed into its place, so that a login that is just being made finds the old link or the new one.
+    const auto place = folder + "/default";
+    const auto fresh = place + "." + std::to_string(getpid());
+    unlink(fresh.c_str());
+    if (symlink(socket->c_str(), fresh.c_str()) != 0 || rename(fresh.c_str(), place.c_str()) != 0) {
+        return std::nullopt;
+    }
+    return folder;
 }
 
 std::string PosixHostEnvironment::temporaryFolder() const {

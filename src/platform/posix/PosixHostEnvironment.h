@@ -17,6 +17,7 @@ public:
     [[nodiscard]] std::string accountHome() const override { return accountHome_; }
     [[nodiscard]] std::string configFolder() const override;
     [[nodiscard]] std::string supportFolder() const override;
+    [[nodiscard]] std::optional<std::string> agentFolder() const override;
     [[nodiscard]] std::string temporaryFolder() const override;
 
 private:

@@ -14,7 +14,8 @@ std::expected<void, LaunchError> PosixChildProcess::launch(ProcessRequest reques
         const int code = reactor ? EBUSY : ECANCELED;
         return std::unexpected(LaunchError{code, describeError(code)});
     }
-    auto launched = launcher_.launch(request.executable, request.arguments, &request.environment);
+    auto launched =
+        launcher_.launch(request.executable, request.arguments, &request.environment, request.workingFolder);
     if (!launched) {
         return std::unexpected(std::move(launched.error()));
     }

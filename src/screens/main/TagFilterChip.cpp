@@ -4,7 +4,6 @@
 #include "screens/theme/StylePaint.h"
 
 #include <QPainter>
-#include <QSignalBlocker>
 
 #include <algorithm>
 
@@ -41,8 +40,9 @@ TagFilterChip::TagFilterChip(const Theme& theme, const QString& label, bool isSe
     // Assistive technology toggles without a click; to us it is one, and what is chosen is not the chip's to
     // say.
     connect(this, &QAbstractButton::toggled, this, [this, isSelected, action = std::move(action)] {
-        const QSignalBlocker blocker(this);
+        blockSignals(true);
         setChecked(isSelected);
+        blockSignals(false);
         action();
     });
 }

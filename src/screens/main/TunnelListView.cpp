@@ -26,7 +26,7 @@ TunnelListView::TunnelListView(const Theme& theme, QWidget* parent) : QListView(
 void TunnelListView::dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight,
                                  const QList<int>& roles) {
     if (roles == QList<int>{TunnelListModel::kStatusRole}) {
-        QAbstractItemView::dataChanged(topLeft, bottomRight, roles);
+        QListView::dataChanged(topLeft, bottomRight, roles);
     } else {
         QListView::dataChanged(topLeft, bottomRight, roles);
     }

@@ -84,7 +84,7 @@ void TunnelRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opt
     const Tunnel& tunnel = model_.tunnel(index.row());
     const int textHeight = nameMetrics_.height() + kLineGap + loginMetrics_.height();
     paintMark(*painter,
-              QRectF(content.left(), content.top() + (textHeight - kMarkSize) / 2, kMarkSize, kMarkSize),
+              QRectF(QRect(content.left(), content.top() + (textHeight - kMarkSize) / 2, kMarkSize, kMarkSize)),
               model_.status(index.row()));
     QRect line(content.left() + kTextIndent, content.top(), content.width() - kTextIndent,
                nameMetrics_.height());
