@@ -6,7 +6,7 @@ pkg_check_modules(SIMDJSON REQUIRED IMPORTED_TARGET simdjson)
 pkg_check_modules(PLIST REQUIRED IMPORTED_TARGET libplist-2.0)
 
 if(FERNWICK_UI)
-  find_package(Qt6 REQUIRED COMPONENTS Widgets DBus Svg Network)
+  find_package(Qt6 REQUIRED COMPONENTS Widgets DBus Svg)
 endif()
 if(FERNWICK_TESTS)
   find_package(GTest REQUIRED)
