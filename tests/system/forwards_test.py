@@ -2,12 +2,15 @@
 
 from __future__ import annotations
 
+import json
+import plistlib
 import subprocess
 
 from harness import SshTest, main, stored, wait_until
 from lab import site
 from lab.app import App
 from lab.sshlab import JUMP, start_site
+from lab.waiting import wait_for
 from lab.wire import fetch, free_port, listens, socks_connect
 
 MEGABYTES = 8 * 1024 * 1024
@@ -113,6 +116,26 @@ class Forwards(SshTest):
         app.find("Idle")
         wait_until(lambda: not app.children(), "the child ends")
         self.assertFalse(listens(int(record["localPort"])))
+
+    def test_closed_window_keeps_the_tunnel(self) -> None:
+        record = self.local("Hidden")
+        app = self.connected(record)
+        self.desktop.xdotool("windowactivate", "--sync", app.window(), "key", "alt+F4")
+        wait_until(lambda: not app.window(), "the window is hidden")
+        self.assertTrue(app.running())
+        self.assert_carries(record)
+
+    def test_nothing_connects_at_the_start_whatever_is_stored(self) -> None:
+        record = self.local("Waiting")
+        self.preferences.path.write_bytes(plistlib.dumps({
+            "connectOnLaunch": True,
+            stored.TUNNELS: json.dumps([record]).encode(),
+            stored.KEYS: json.dumps([self.key]).encode(),
+        }))
+        app = self.start_as_is()
+        app.select("Waiting")
+        self.assertFalse(wait_for(app.children, 2.5))
+        self.assertTrue(app.has("Connect"))
 
     def test_host_key_goes_to_the_known_hosts_of_the_run(self) -> None:
         known = self.session.home / ".ssh/known_hosts"
