@@ -7,10 +7,12 @@
 #include <QApplication>
 #include <QDialog>
 #include <QMainWindow>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <condition_variable>
+#include <cstdlib>
 #include <memory>
 #include <mutex>
 
@@ -164,6 +166,21 @@ TEST(AppDelegate, ForgetsAWindowThatWasDestroyed) {
     world.launch();
     window.reset();
     EXPECT_EQ(world.delegate.mainWindow(), nullptr);
+}
+
+// The toolkit asks every window before it ends, and the adopted one refuses to close.
+TEST(AppDelegate, TheEndOfTheSessionIsHeldUpByNoWindow) {
+    ShellWorld world;
+    const auto window = shown(u"Fernwick");
+    world.launch();
+    QDialog sheet(window.get(), Qt::Sheet);
+    sheet.open();
+    QTimer::singleShot(0, qApp, [] {
+        QEvent quit(QEvent::Quit); // what the toolkit makes of the session manager's last word
+        QCoreApplication::sendEvent(qApp, &quit);
+    });
+    QTimer::singleShot(5s, qApp, [] { QCoreApplication::exit(EXIT_FAILURE); });
+    EXPECT_EQ(QApplication::exec(), EXIT_SUCCESS);
 }
 
 TEST(WindowManager, PrefersTheMainWindowThenTheActionThenAnotherWindow) {
