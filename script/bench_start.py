@@ -24,7 +24,7 @@ def start_server() -> tuple[subprocess.Popen, str]:
     """An X server without a window manager, and the name of its display."""
     read, write = os.pipe()
     server = subprocess.Popen(
-        ["Xvfb", "-displayfd", str(write), "-screen", "0", "1280x800x24", "-nolisten", "tcp"],
+        ["Xvfb", "-displayfd", str(write), "-screen", "0", "1280x800x24", "-nolisten", "tcp", "-noreset"],
         pass_fds=[write],
         stderr=subprocess.DEVNULL,
     )

@@ -26,7 +26,8 @@ TunnelListView::TunnelListView(const Theme& theme, QWidget* parent) : QListView(
 void TunnelListView::dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight,
                                  const QList<int>& roles) {
     if (roles == QList<int>{TunnelListModel::kStatusRole}) {
-        QListView::dataChanged(topLeft, bottomRight, roles);
+        // Past the list's own answer, which would lay out every row anew: a status moves none.
+        QAbstractItemView::dataChanged(topLeft, bottomRight, roles); // NOLINT(bugprone-parent-virtual-call)
     } else {
         QListView::dataChanged(topLeft, bottomRight, roles);
     }
