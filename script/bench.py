@@ -88,7 +88,7 @@ def start(report: Report, check: bool) -> None:
     """From the start to a painted window, against the barest window of the same kind."""
     print("Start to first painted window")
     programs = [BUILD / "benchmarks" / "fernwick_bare_window", BUILD / "Fernwick"]
-    command = ["/usr/bin/python3", ROOT / "script" / "bench_start.py", "5" if check else "11", *programs]
+    command = ["/usr/bin/python3", ROOT / "script" / "bench_start.py", "9" if check else "15", *programs]
     figures = json.loads(subprocess.run(command, check=True, capture_output=True, text=True).stdout)
     bare, ours = figures["fernwick_bare_window"], figures["Fernwick"]
     print(f"       bare {bare['milliseconds']:.0f} ms, {bare['kibibytes'] / 1024:.0f} MiB;", end=" ")

@@ -63,9 +63,7 @@ QWidget* ContentView::buildDetail() {
     column->setMinimumSize(kDetailMinimumWidth, kDetailMinimumHeight);
     header_ = new DetailHeader(context_.theme, [this] { toggleSidebar(); }, column);
     pages_ = new QStackedWidget(column);
-    detail_ = new TunnelDetailView(context_, pages_);
     pages_->addWidget(new EmptyDetailView(context_.theme, [this] { showAddSheet(); }, pages_));
-    pages_->addWidget(detail_);
     auto* layout = new QVBoxLayout(column);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -96,15 +94,24 @@ void ContentView::refresh() {
     const Tunnel* shown = state_.selectedTunnelID ? context_.store.find(*state_.selectedTunnelID) : nullptr;
     header_->setTunnel(shown);
     if (shown != nullptr) {
-        detail_->setTunnel(*shown);
+        showDetail(*shown);
     }
     pages_->setCurrentIndex(shown != nullptr ? 1 : 0);
+}
+
+// The page is made for the first tunnel that is chosen: the window opens on none, and opens sooner without it.
+void ContentView::showDetail(const Tunnel& tunnel) {
+    if (detail_ == nullptr) {
+        detail_ = new TunnelDetailView(context_, pages_);
+        pages_->addWidget(detail_);
+    }
+    detail_->setTunnel(tunnel);
 }
 
 void ContentView::refreshStatuses() {
     const auto changed = std::exchange(changedStatuses_, {});
     sidebar_->showStatuses(changed, statisticsOf(context_.store.tunnels(), context_.tunnels));
-    if (state_.selectedTunnelID && changed.contains(*state_.selectedTunnelID)) {
+    if (detail_ != nullptr && state_.selectedTunnelID && changed.contains(*state_.selectedTunnelID)) {
         detail_->refreshStatus();
     }
 }

@@ -46,6 +46,7 @@ private:
     QWidget* buildDetail();
     void observe();
     void refresh();
+    void showDetail(const Tunnel& tunnel);
     void refreshStatuses();
     void select(std::optional<support::Uuid> id);
     void confirmDelete(const Tunnel& tunnel);
@@ -58,7 +59,7 @@ private:
     SidebarView* sidebar_ = nullptr;
     DetailHeader* header_ = nullptr;
     QStackedWidget* pages_ = nullptr;
-    TunnelDetailView* detail_ = nullptr;
+    TunnelDetailView* detail_ = nullptr; // made when it is first shown
     QPointer<DeleteConfirmation> question_; // while it is up
     std::unordered_set<support::Uuid> changedStatuses_;
     Coalescer refreshSoon_;
