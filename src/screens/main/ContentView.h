@@ -59,7 +59,7 @@ private:
     SidebarView* sidebar_ = nullptr;
     DetailHeader* header_ = nullptr;
     QStackedWidget* pages_ = nullptr;
-    TunnelDetailView* detail_ = nullptr; // made when it is first shown
+    TunnelDetailView* detail_ = nullptr;    // made when it is first shown
     QPointer<DeleteConfirmation> question_; // while it is up
     std::unordered_set<support::Uuid> changedStatuses_;
     Coalescer refreshSoon_;
