@@ -12,6 +12,7 @@
 #include "screens/main/MainWindow.h"
 #include "screens/theme/Theme.h"
 #include "support/NotificationCenter.h"
+#include "support/QuietPlatform.h"
 #include "support/RecordWriter.h"
 #include "tunnel/TunnelManager.h"
 
@@ -89,7 +90,8 @@ struct World {
     support::NotificationCenter notifications;
     NoRouting routing;
     TunnelStore store{*defaults, clock};
-    TunnelManager tunnels{{dispatch, clock, processes, host, *defaults, notifications, routing}};
+    fakes::QuietPlatform quiet; // no port is looked at: what lsof costs is measured elsewhere
+    TunnelManager tunnels{quiet.services(dispatch, clock, processes, host, *defaults, notifications, routing)};
     KeyManager keys{*defaults};
     TagManager tags{*defaults};
     MainWindow window{{theme, store, tunnels, keys, tags, notifications, dispatch, clock, {}}};

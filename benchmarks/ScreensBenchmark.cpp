@@ -6,6 +6,7 @@
 #include "support/FakeHostEnvironment.h"
 #include "support/FakeProcesses.h"
 #include "support/FakeUserDefaults.h"
+#include "support/QuietPlatform.h"
 #include "support/RecordWriter.h"
 
 #include <QApplication>
@@ -61,7 +62,9 @@ struct Window {
     TunnelStore store{*defaults, clock};
     KeyManager keys{*defaults};
     TagManager tags{*defaults};
-    TunnelManager manager{{dispatch, clock, processes, host, *defaults, notifications, routing}};
+    fakes::QuietPlatform platform;
+    TunnelManager manager{
+        platform.services(dispatch, clock, processes, host, *defaults, notifications, routing)};
     Theme theme{*qApp, Appearance::light};
     MainWindow window{{theme, store, manager, keys, tags, notifications, dispatch, clock}};
 };

@@ -17,6 +17,9 @@ public:
 
     // Time since some fixed point, never going back; for measuring how long something took.
     [[nodiscard]] virtual std::chrono::nanoseconds uptime() const = 0;
+
+    // Holds the calling thread for that long.
+    virtual void sleep(std::chrono::milliseconds duration) const = 0;
 };
 
 } // namespace fernwick::platform

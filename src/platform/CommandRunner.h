@@ -1,5 +1,5 @@
 // Outside commands that are run to their end for what they print.
-// Threads: any but the main thread, since a run blocks until the command has ended.
+// Threads: any. A run blocks until the command has ended, so the main thread is spared it where that can be.
 #pragma once
 
 #include "platform/ChildProcess.h"

@@ -1,10 +1,14 @@
 #include "shell/FernwickApp.h"
 
 #include "catalogue/KeyManager.h"
+#include "catalogue/KeychainStore.h"
 #include "catalogue/TagManager.h"
 #include "catalogue/TunnelStore.h"
 #include "platform/AppNotifications.h"
+#include "platform/linux/SecretServiceKeychain.h"
 #include "platform/posix/FileUserDefaults.h"
+#include "platform/posix/PosixCommandRunner.h"
+#include "platform/posix/PosixFileSystem.h"
 #include "platform/posix/PosixHostEnvironment.h"
 #include "platform/posix/PosixProcesses.h"
 #include "platform/posix/SystemClock.h"
@@ -21,6 +25,7 @@
 
 #include <QApplication>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -29,6 +34,13 @@ namespace fernwick {
 namespace {
 
 constexpr std::string_view kDefaultsDomain = "com.fernwick.Fernwick";
+
+struct PowerThatStays final : platform::PowerEvents {
+    void start() override {}
+};
+struct NetworkThatStays final : platform::NetworkMonitor {
+    void start(platform::SerialQueue&, std::function<void(platform::NetworkPathStatus)>) override {}
+};
 
 // Qt aborts the process when it can open no display; a person is better served by a sentence.
 void explainMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
@@ -49,6 +61,10 @@ struct FernwickApp::Backends {
     platform::QtDispatch dispatch;
     platform::ChildLauncher launcher;
     platform::PosixProcesses processes{dispatch, launcher};
+    platform::PosixCommandRunner commands{launcher};
+    platform::PosixFileSystem files;
+    platform::SecretServiceKeychain keychain{host};
+    PowerThatStays power;
     platform::DBusSingleInstance instance{host};
     platform::FileUserDefaultsProvider defaultsProvider{dispatch, host};
     support::NotificationCenter notifications;
@@ -60,8 +76,12 @@ struct FernwickApp::Scene {
         : theme(application),
           defaults(backends.defaultsProvider.open(kDefaultsDomain)),
           store(*defaults, backends.clock),
+          secrets(
+              backends.keychain, [this](const support::Uuid& id) { return tunnelName(id); },
+              [this](const support::Uuid& id) { return keyName(id); }),
           tunnels({backends.dispatch, backends.clock, backends.processes, backends.host, *defaults,
-                   backends.notifications, routing}),
+                   backends.notifications, routing, backends.commands, backends.files, secrets, backends.power,
+                   std::make_unique<NetworkThatStays>()}),
           keys(*defaults),
           tags(*defaults),
           delegate(backends.dispatch, routing),
@@ -77,10 +97,21 @@ struct FernwickApp::Scene {
                       {}},
                      routing, delegate, windows) {}
 
+    // What a person calls the owner of a secret; empty for one that is gone.
+    [[nodiscard]] std::string tunnelName(const support::Uuid& id) const {
+        const auto* tunnel = store.find(id);
+        return tunnel != nullptr ? tunnel->name : std::string();
+    }
+    [[nodiscard]] std::string keyName(const support::Uuid& id) const {
+        const auto key = std::ranges::find(keys.keys(), id, &IdentityKey::id);
+        return key != keys.keys().end() ? key->name : std::string();
+    }
+
     Theme theme;
     std::unique_ptr<platform::UserDefaults> defaults;
     NoRouting routing;
     TunnelStore store;
+    KeychainStore secrets;
     TunnelManager tunnels;
     KeyManager keys;
     TagManager tags;
@@ -109,6 +140,7 @@ int FernwickApp::run() {
     scene_->mainWindow.open();
     const int status = QApplication::exec();
     scene_.reset();
+    backends_->commands.abandonAll(); // the pool, which ends next, would wait for a command that hangs
     return status;
 }
 

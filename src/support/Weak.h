@@ -18,6 +18,9 @@ public:
         return strong ? *strong : nullptr;
     }
 
+    // Whether the owner is gone. Any thread; elsewhere than on the owner's it may go at any moment.
+    [[nodiscard]] bool expired() const { return owner_.expired(); }
+
 private:
     template <class U>
     friend class WeakSource;

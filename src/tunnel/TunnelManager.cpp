@@ -30,13 +30,21 @@ std::string_view exitReason(int status) {
 } // namespace
 
 TunnelManager::TunnelManager(TunnelServices services)
-    : services_(services),
-      logs_(services.dispatch, services.clock),
-      launcher_(services.host, services.defaults, logs_),
+    : services_(std::move(services)),
+      logs_(services_.dispatch, services_.clock),
+      ports_({services_.dispatch, services_.clock, services_.commands, services_.processes}, logs_),
+      reconnector_({services_.dispatch, services_.routing, services_.power},
+                   std::move(services_.networkMonitor), *this, ports_, logs_),
+      launcher_(services_.host, services_.defaults, services_.keychain,
+                AskpassScripts(services_.dispatch, services_.files, services_.host,
+                               [this](const std::string& message) { reconnector_.logToPending(message); }),
+                logs_),
       self_(*this) {
     services_.routing.startPacServer();
+    reconnector_.startNetworkMonitor();
     willTerminate_ =
         services_.notifications.observe(platform::kApplicationWillTerminate, [this] { killAllOnQuit(); });
+    reconnector_.observePower();
 }
 
 std::optional<TunnelStatus> TunnelManager::status(const support::Uuid& id) const {
@@ -77,13 +85,30 @@ void TunnelManager::connect(const Tunnel& tunnel, TunnelStore& store) {
         launchProcess(tunnel, store);
         return;
     }
-    services_.dispatch.main([weak = self_.weak(), tunnel, placeholder, &store] {
-        auto* manager = weak.get();
-        // A stop in the meantime took the placeholder away, and with it the launch.
-        if (manager != nullptr && manager->activeProcess(tunnel.id) == placeholder) {
-            manager->launchProcess(tunnel, store);
-        }
-    });
+    prepared_.insert_or_assign(tunnel.id, placeholder);
+    ports_.clearPortsBeforeLaunch(tunnel.localPort, tunnel.id,
+                                  [weak = self_.weak(), tunnel, placeholder, &store] {
+                                      auto* manager = weak.get();
+                                      if (manager != nullptr && manager->takePrepared(tunnel.id, placeholder)) {
+                                          manager->launchProcess(tunnel, store);
+                                      }
+                                  });
+}
+
+// Whether this placeholder's launch still stands: a stop, a sleep or the end in the meantime takes it away.
+bool TunnelManager::takePrepared(const support::Uuid& id,
+                                 const std::shared_ptr<platform::ChildProcess>& placeholder) {
+    const auto found = prepared_.find(id);
+    if (found == prepared_.end() || found->second != placeholder) {
+        return false;
+    }
+    prepared_.erase(found);
+    return true;
+}
+
+void TunnelManager::relaunch(const Tunnel& tunnel, TunnelStore& store) {
+    activeProcesses_.erase(tunnel.id);
+    launchProcess(tunnel, store);
 }
 
 void TunnelManager::launchProcess(const Tunnel& tunnel, TunnelStore& store) {
@@ -145,6 +170,7 @@ void TunnelManager::confirmConnected(Tunnel tunnel, TunnelStore& store) {
         return;
     }
     updateStatus(TunnelStatus::connected(), tunnel.id);
+    reconnector_.confirmed(tunnel.id);
     logs_.add(LogLevel::success, fmt::format("Tunnel is up localhost:{} -> {}", tunnel.localPort, tunnel.host),
               tunnel.id);
     if (!tunnel.localPort.empty()) {
@@ -168,19 +194,31 @@ void TunnelManager::handleTermination(int status, const Tunnel& tunnel, TunnelSt
               fmt::format("Process exited (code: {}){}", status, exitReason(status)), tunnel.id);
     tunnelPortMap_.erase(tunnel.id);
     refreshSystemProxy(std::nullopt, std::nullopt);
-    updateStatus(TunnelStatus::disconnected(), tunnel.id);
+    if (!tunnel.reconnectOnFailure || status == 0) {
+        updateStatus(TunnelStatus::disconnected(), tunnel.id);
+    } else if (reconnector_.retryAfterExit(status, tunnel, store) == Reconnector::Decision::retry) {
+        return;
+    }
     store.announceChange();
 }
 
 void TunnelManager::disconnect(const support::Uuid& id) {
+    reconnector_.forget(id);
     updateStatus(TunnelStatus::idle(), id);
     stopProcess(id);
-    tunnelPortMap_.erase(id);
+    const auto live = tunnelPortMap_.extract(id);
     refreshClashRules();
-    if (!tunnelPortMap_.empty()) {
+    if (tunnelPortMap_.empty()) {
+        switchProxyOff(id);
+    } else {
         refreshSystemProxy(std::nullopt, std::nullopt);
-        return;
     }
+    if (!live.empty() && !live.mapped().empty()) {
+        ports_.cleanOrphanedPort(live.mapped(), id);
+    }
+}
+
+void TunnelManager::switchProxyOff(const support::Uuid& id) {
     auto& routing = services_.routing;
     services_.dispatch.global(platform::Priority::userInitiated,
                               [&routing] { routing.removeAllProxy("No active tunnels", false); });
@@ -195,6 +233,7 @@ void TunnelManager::stopProcess(const support::Uuid& id) {
     }
     const int pid = process->pid();
     activeProcesses_.erase(id);
+    prepared_.erase(id);
     process->terminate();
     auto& processes = services_.processes;
     services_.dispatch.globalAfter(
@@ -215,15 +254,36 @@ void TunnelManager::stopProcess(const support::Uuid& id) {
         });
 }
 
+void TunnelManager::endAtOnce(platform::ChildProcess& process) {
+    const int pid = process.pid();
+    process.terminate();
+    if (pid >= 1) {
+        services_.processes.sendSignal(pid, platform::kSignalKill);
+    }
+}
+
+std::vector<support::Uuid> TunnelManager::endAllForSleep(bool cancelPrepared) {
+    std::vector<support::Uuid> ended;
+    for (const auto& [id, process] : activeProcesses_) {
+        endAtOnce(*process);
+        ended.push_back(id);
+    }
+    if (cancelPrepared) {
+        // No exit will ever take these away.
+        for (const auto& [id, placeholder] : prepared_) {
+            activeProcesses_.erase(id);
+        }
+        prepared_.clear();
+    }
+    return ended;
+}
+
 void TunnelManager::killAllOnQuit() {
     for (const auto& [id, process] : activeProcesses_) {
-        const int pid = process->pid();
-        process->terminate();
-        if (pid >= 1) {
-            services_.processes.sendSignal(pid, platform::kSignalKill);
-        }
+        endAtOnce(*process);
     }
     activeProcesses_.clear();
+    prepared_.clear();
     tunnelPortMap_.clear();
 }
 

@@ -10,9 +10,12 @@
 #include "support/NotificationCenter.h"
 #include "support/Signal.h"
 #include "support/Weak.h"
+#include "tunnel/PortHygiene.h"
+#include "tunnel/Reconnector.h"
 #include "tunnel/RoutingLayer.h"
 #include "tunnel/SshLauncher.h"
 #include "tunnel/TunnelLogs.h"
+#include "tunnel/TunnelRunner.h"
 
 #include <memory>
 #include <optional>
@@ -30,14 +33,20 @@ struct TunnelServices {
     platform::UserDefaults& defaults;
     support::NotificationCenter& notifications;
     RoutingLayer& routing;
+    platform::CommandRunner& commands;
+    platform::FileSystem& files;
+    const KeychainStore& keychain;
+    platform::PowerEvents& power;
+    std::unique_ptr<platform::NetworkMonitor> networkMonitor; // the manager's own
 };
 
-class TunnelManager {
+class TunnelManager final : private TunnelRunner {
 public:
     // How long a child must live after its launch to count as connected.
     static constexpr platform::Duration kConfirmDelay{1500};
 
-    // Starts the PAC server, and ends all children when the application announces its end.
+    // Starts the PAC server, watches the network and the machine's sleep, and ends all children when the
+    // application announces its end.
     explicit TunnelManager(TunnelServices services);
     TunnelManager(const TunnelManager&) = delete;
     TunnelManager& operator=(const TunnelManager&) = delete;
@@ -53,7 +62,7 @@ public:
     void killAllOnQuit();
 
     // The status, or nothing for a tunnel that was never touched.
-    [[nodiscard]] std::optional<TunnelStatus> status(const support::Uuid& id) const;
+    [[nodiscard]] std::optional<TunnelStatus> status(const support::Uuid& id) const override;
 
     // Whether the tunnel is connecting or connected; a tunnel without a status is not.
     [[nodiscard]] bool isActive(const support::Uuid& id) const;
@@ -78,19 +87,27 @@ public:
     support::Signal<const support::Uuid&> statusChanged;
 
 private:
-    void updateStatus(TunnelStatus status, const support::Uuid& id);
+    void updateStatus(TunnelStatus status, const support::Uuid& id) override;
+    void relaunch(const Tunnel& tunnel, TunnelStore& store) override;
+    std::vector<support::Uuid> endAllForSleep(bool cancelPrepared) override;
+    bool takePrepared(const support::Uuid& id, const std::shared_ptr<platform::ChildProcess>& placeholder);
     void launchProcess(const Tunnel& tunnel, TunnelStore& store);
     void launchFailed(const platform::LaunchError& error, const support::Uuid& id, TunnelStore& store);
     platform::ProcessHandlers childHandlers(const Tunnel& tunnel, TunnelStore& store);
     void confirmConnected(Tunnel tunnel, TunnelStore& store);
     void handleTermination(int status, const Tunnel& tunnel, TunnelStore& store);
     void stopProcess(const support::Uuid& id);
+    void endAtOnce(platform::ChildProcess& process);
+    void switchProxyOff(const support::Uuid& id);
 
     TunnelServices services_;
     TunnelLogs logs_;
+    PortHygiene ports_;
+    Reconnector reconnector_;
     SshLauncher launcher_;
     std::unordered_map<support::Uuid, TunnelStatus> statuses_;
     std::unordered_map<support::Uuid, std::shared_ptr<platform::ChildProcess>> activeProcesses_;
+    std::unordered_map<support::Uuid, std::shared_ptr<platform::ChildProcess>> prepared_; // not launched yet
     TunnelPortMap tunnelPortMap_;
     support::Subscription willTerminate_;
     support::WeakSource<TunnelManager> self_;

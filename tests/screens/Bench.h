@@ -8,6 +8,7 @@
 #include "support/FakeHostEnvironment.h"
 #include "support/FakeProcesses.h"
 #include "support/FakeUserDefaults.h"
+#include "support/QuietPlatform.h"
 
 #include <QApplication>
 
@@ -86,7 +87,9 @@ struct Bench {
     TunnelStore store{defaults, clock};
     KeyManager keys{defaults};
     TagManager tags{defaults};
-    TunnelManager manager{{dispatch, clock, processes, host, defaults, notifications, routing}};
+    fakes::QuietPlatform platform;
+    TunnelManager manager{
+        platform.services(dispatch, clock, processes, host, defaults, notifications, routing)};
     Theme theme;
     std::vector<std::vector<std::pair<support::Uuid, std::string>>> proxyRules;
     std::unique_ptr<MainWindow> window;

@@ -60,6 +60,9 @@ public:
     // there.
     void advance(Duration duration);
 
+    // Lets time pass in the middle of a piece of work, as a thread that sleeps does. What falls due runs later.
+    void pass(Duration duration);
+
     // While held, runAll and advance leave background work alone; runGlobal still runs it.
     void holdGlobal(bool held) { globalHeld_ = held; }
 

@@ -46,11 +46,16 @@ class Failures(SshTest):
                                        remotePort=taken), self.key)
         self.assert_refused(app, "remote port forwarding failed")
 
-    def test_local_port_that_is_taken_is_refused(self) -> None:
+    def test_local_port_that_cannot_be_cleared_is_refused(self) -> None:
         port = free_port()
-        start_site(self.session, port)
-        app = self.failing(self.tunnel("Held", localPort=str(port)), self.key)
+        holder = start_site(self.session, port)
+        record = self.tunnel("Held", localPort=str(port))
+        self.preferences.seed(**{stored.TUNNELS: [record], stored.KEYS: [self.key]})
+        app = self.start_as_is(environment=self.session.environment | {"PATH": "/nowhere"})  # there is no lsof
+        app.select("Held")
+        app.press("Connect")
         self.assert_refused(app, "Address already in use")
+        self.assertIsNone(holder.poll())
 
     def test_unknown_host_is_refused(self) -> None:
         app = self.failing(self.tunnel("Unknown", host="no-such-host.invalid"), self.key)

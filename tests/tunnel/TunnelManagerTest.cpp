@@ -373,9 +373,11 @@ TEST(TunnelManager, ManagerThatIsGoneIsLeftInPeace) {
     fakes::FakeUserDefaults defaults;
     support::NotificationCenter notifications;
     NoRouting routing;
+    fakes::QuietPlatform quiet;
     TunnelStore store(defaults, clock);
     {
-        TunnelManager manager({dispatch, clock, processes, host, defaults, notifications, routing});
+        TunnelManager manager(
+            quiet.services(dispatch, clock, processes, host, defaults, notifications, routing));
         manager.connect(store.tunnels().front(), store);
         dispatch.runAll();
         manager.disconnect(store.tunnels().front().id);

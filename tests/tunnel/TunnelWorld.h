@@ -7,6 +7,7 @@
 #include "support/FakeHostEnvironment.h"
 #include "support/FakeProcesses.h"
 #include "support/FakeUserDefaults.h"
+#include "support/QuietPlatform.h"
 #include "tunnel/TunnelManager.h"
 
 #include <algorithm>
@@ -58,7 +59,9 @@ struct TunnelWorld {
     support::NotificationCenter notifications;
     RecordingRouting routing;
     TunnelStore store{defaults, clock};
-    TunnelManager manager{{dispatch, clock, processes, host, defaults, notifications, routing}};
+    QuietPlatform platform;
+    TunnelManager manager{
+        platform.services(dispatch, clock, processes, host, defaults, notifications, routing)};
 
     // Puts a tunnel into the store and returns it.
     Tunnel add(std::string localPort = "8080") {
@@ -71,6 +74,12 @@ struct TunnelWorld {
         tunnel.reconnectOnFailure = false;
         store.add(tunnel);
         return tunnel;
+    }
+
+    // What composes the children, on its own.
+    [[nodiscard]] SshLauncher launcher() {
+        return {host, defaults, platform.secrets, AskpassScripts(dispatch, platform.files, host, [](auto&&) {}),
+                manager.logs()};
     }
 
     // Connects and lets the launch happen, but no time pass.

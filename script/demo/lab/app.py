@@ -31,8 +31,9 @@ class App(Screen):
 
     def __init__(self, session: Session, desktop: Desktop, *,
                  environment: dict[str, str] | None = None, stand_in: Path | None = None,
-                 mounts: Sequence[str] = ()) -> None:
-        """Starts the program; with `stand_in` in place of ssh, and after the shell commands `mounts` in a namespace."""
+                 mounts: Sequence[str] = (), inside: Sequence[str] = ()) -> None:
+        """Starts the program; with `stand_in` in place of ssh, after the shell commands `mounts` in a namespace, and
+        by way of the command `inside`."""
         self.session = session
         self.desktop = desktop
         self.preferences = Preferences(session.config)
@@ -40,7 +41,7 @@ class App(Screen):
         before = [*mounts, *([f"mount --bind {shlex.quote(str(stand_in))} /usr/bin/ssh"] if stand_in else [])]
         wrap = [*NESTED, "sh", "-c", " && ".join([*before, 'exec "$@"']), "sh"] if before else []
         with open(self.stderr_path, "wb") as stderr:
-            self.process = session.start([*wrap, *POWERLESS, program()], environment=environment, stderr=stderr)
+            self.process = session.start([*inside, *wrap, *POWERLESS, program()], environment=environment, stderr=stderr)
         self.pid = self.process.pid
 
     # Its windows

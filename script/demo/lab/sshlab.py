@@ -8,6 +8,7 @@ import shlex
 import signal
 import subprocess
 import sys
+from collections.abc import Sequence
 from dataclasses import dataclass
 from pathlib import Path
 
@@ -37,7 +38,7 @@ class Server:
         config.write_text(
             f"Port {self.port}\nAddressFamily inet\nListenAddress 127.0.0.1\nHostKey {self.host_key}\n"
             f"PidFile {self.folder}/pid\nAuthorizedKeysFile {self.authorized}\n"
-            "StrictModes no\nUsePAM no\nPasswordAuthentication no\nKbdInteractiveAuthentication no\n"
+            "StrictModes no\nUsePAM no\nPasswordAuthentication yes\nKbdInteractiveAuthentication no\n"
             "PermitRootLogin yes\nUseDNS no\nLogLevel VERBOSE\nPrintMotd no\n"
             "MaxStartups 300:30:300\n")
         inside = self.folder / "inside.sh"
@@ -47,6 +48,10 @@ class Server:
         wait_until(lambda: listens(self.port) or self.process.poll() is not None, "the ssh server listens or ends")
         if self.process.poll() is not None:
             raise ChildProcessError(f"the ssh server ended with {self.process.returncode}: {self.log()[-400:]}")
+
+    def set_password_hash(self, user: str, hashed: str) -> None:
+        """Writes the account's entry of the shadow file that the server sees; "*" lets nobody in by password."""
+        (self.folder / "shadow").write_text(f"{user}:{hashed}:19000:0:99999:7:::\n")
 
     def stop(self) -> None:
         """Ends the listening server; logins that are under way go on."""
@@ -84,11 +89,22 @@ class SshLab:
         self.jump = self._server("jump")
         self._write_user_config()
 
-    def make_key(self, name: str) -> Path:
-        """A fresh key pair without a passphrase; the path of its private half."""
+    def make_key(self, name: str, passphrase: str = "") -> Path:
+        """A fresh key pair, encrypted if there is a passphrase; the path of its private half."""
         path = self.folder / name
-        subprocess.run(["ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-C", name, "-f", path], check=True)
+        subprocess.run(["ssh-keygen", "-q", "-t", "ed25519", "-N", passphrase, "-C", name, "-f", path], check=True)
         return path
+
+    def authorize(self, key: Path) -> None:
+        """Lets the owner of that private key in."""
+        with open(self.authorized, "a") as keys:
+            keys.write(key.with_suffix(".pub").read_text())
+
+    def set_password(self, password: str) -> None:
+        """Lets the account log in on the server with this password."""
+        done = subprocess.run(["openssl", "passwd", "-6", "-stdin"], input=password, capture_output=True, text=True,
+                              check=True)
+        self.server.set_password_hash(self.user, done.stdout.strip())
 
     def start_agent(self) -> None:
         """Starts an ssh-agent that holds the user key; programs started from now on find it."""
@@ -103,8 +119,8 @@ class SshLab:
         folder = self.folder / name
         folder.mkdir()
         (folder / "hosts").write_text(f"127.0.0.1 localhost\n{_SITE_ADDRESS} {site.NAME}\n")
-        (folder / "shadow").write_text(f"{self.user}:*:19000:0:99999:7:::\n")
         server = Server(self.session, folder, free_port(), self.authorized, self.host_key)
+        server.set_password_hash(self.user, "*")
         server.start()
         return server
 
@@ -115,9 +131,14 @@ class SshLab:
             f"    IdentityFile {self.key}\n    IdentityAgent none\n    StrictHostKeyChecking accept-new\n")
 
 
-def start_site(session: Session, port: int, address: str = "127.0.0.1") -> subprocess.Popen[bytes]:
-    """Starts a site in a process of its own and waits until it answers."""
-    child = session.start([sys.executable, site.__file__, address, str(port)])
+def start_site(session: Session, port: int, address: str = "127.0.0.1", *,
+               inside: Sequence[str] = ()) -> subprocess.Popen[bytes]:
+    """Starts a site in a process of its own, by way of a command, and waits until it answers.
+
+    With POWERLESS for the command the application may look at the process; otherwise, when root runs the laboratory,
+    it may not.
+    """
+    child = session.start([*inside, sys.executable, site.__file__, address, str(port)])
     wait_until(lambda: listens(port, address), f"the site answers on {address}:{port}")
     return child
 

@@ -23,7 +23,7 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kTemporaryMark = ".tmp-"; // followed by the writer's process id
 
-// Writes all of it and waits until it is on disk. Returns 0 or the error.
+// Writes all of it. Returns 0 or the error.
 int writeAll(int descriptor, std::string_view bytes) {
     while (!bytes.empty()) {
         const auto count = write(descriptor, bytes.data(), bytes.size());
@@ -32,7 +32,19 @@ int writeAll(int descriptor, std::string_view bytes) {
         }
         bytes.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
     }
-    return fsync(descriptor) == 0 ? 0 : errno;
+    return 0;
+}
+
+// Writes the file that is to take another's place. Returns 0 or the error.
+int writeNew(const std::string& path, std::string_view bytes, const ReplaceOptions& options) {
+    const FileDescriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                                   static_cast<mode_t>(options.mode)));
+    // The process's mask may have taken a bit away; it can have added none.
+    if (!file || fchmod(file.get(), static_cast<mode_t>(options.mode)) != 0) {
+        return errno;
+    }
+    const int code = writeAll(file.get(), bytes);
+    return code != 0 || !options.durable || fsync(file.get()) == 0 ? code : errno;
 }
 
 int syncFolder(const std::string& path) {
@@ -72,15 +84,10 @@ std::expected<std::string, int> readWholeFile(const std::string& path) {
     return bytes;
 }
 
-int replaceFile(const std::string& path, const std::string& bytes) {
+int replaceFile(const std::string& path, std::string_view bytes, ReplaceOptions options) {
     const auto temporary = path + std::string(kTemporaryMark) + std::to_string(getpid());
     unlink(temporary.c_str()); // of an earlier process with our number
-    FileDescriptor file(open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
-    if (!file) {
-        return errno;
-    }
-    int code = writeAll(file.get(), bytes);
-    file.reset();
+    int code = writeNew(temporary, bytes, options);
     if (code == 0 && std::rename(temporary.c_str(), path.c_str()) != 0) {
         code = errno;
     }
@@ -88,7 +95,7 @@ int replaceFile(const std::string& path, const std::string& bytes) {
         unlink(temporary.c_str());
         return code;
     }
-    return syncFolder(parentFolder(path));
+    return options.durable ? syncFolder(parentFolder(path)) : 0;
 }
 
 void removeTemporaryFiles(const std::string& path) {

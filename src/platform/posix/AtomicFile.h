@@ -4,16 +4,21 @@
 
 #include <expected>
 #include <string>
+#include <string_view>
 
 namespace fernwick::platform {
 
 // The bytes of a regular file; EINVAL for anything that is not one, EFBIG beyond what a property list may have.
 [[nodiscard]] std::expected<std::string, int> readWholeFile(const std::string& path);
 
-// Replaces the file, or makes it, with mode 0600. The new one is on disk before it takes the old one's place,
-// and the folder's entry is on disk before this returns. Returns 0, or the error that left the old file as it
-// was.
-[[nodiscard]] int replaceFile(const std::string& path, const std::string& bytes);
+struct ReplaceOptions {
+    unsigned mode = 0600; // the permission bits, which the file has from its first instant
+    bool durable = true;  // the new file is on disk before it takes the old one's place, and the folder's entry
+                          // before the call returns
+};
+
+// Replaces the file, or makes it. Returns 0, or the error that left the old file as it was.
+[[nodiscard]] int replaceFile(const std::string& path, std::string_view bytes, ReplaceOptions options = {});
 
 // Removes what replaceFile left beside the path when its process was killed. Files of processes that run are
 // spared.

@@ -9,6 +9,7 @@ class SystemClock final : public Clock {
 public:
     [[nodiscard]] support::Date now() const override;
     [[nodiscard]] std::chrono::nanoseconds uptime() const override;
+    void sleep(std::chrono::milliseconds duration) const override;
 };
 
 } // namespace fernwick::platform

@@ -1,0 +1,32 @@
+// Files that are written and removed whole.
+// Threads: any.
+#pragma once
+
+#include <expected>
+#include <string>
+#include <string_view>
+
+namespace fernwick::platform {
+
+struct FileError {
+    int code = 0;            // the system's error number
+    std::string description; // what a person reads, e.g. "No space left on device"
+};
+
+// Permission bits of a file that its owner alone may read, write and run.
+inline constexpr unsigned kOwnerOnlyProgram = 0700;
+
+class FileSystem {
+public:
+    virtual ~FileSystem() = default;
+
+    // Makes the file, or replaces it, atomically: nobody ever sees a part of it, nor any part of it with other
+    // permissions than `mode`. Does not wait until it is on disk. On failure nothing is left behind.
+    [[nodiscard]] virtual std::expected<void, FileError> write(const std::string& path, std::string_view bytes,
+                                                               unsigned mode) = 0;
+
+    // Removes a file.
+    [[nodiscard]] virtual std::expected<void, FileError> remove(const std::string& path) = 0;
+};
+
+} // namespace fernwick::platform

@@ -1,0 +1,15 @@
+// Files by the calls of POSIX.
+#pragma once
+
+#include "platform/FileSystem.h"
+
+namespace fernwick::platform {
+
+class PosixFileSystem final : public FileSystem {
+public:
+    [[nodiscard]] std::expected<void, FileError> write(const std::string& path, std::string_view bytes,
+                                                       unsigned mode) override;
+    [[nodiscard]] std::expected<void, FileError> remove(const std::string& path) override;
+};
+
+} // namespace fernwick::platform

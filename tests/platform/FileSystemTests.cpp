@@ -1,0 +1,99 @@
+#include "platform/posix/PosixFileSystem.h"
+#include "support/FakeFileSystem.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <sys/stat.h>
+
+namespace fernwick::platform {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct FakeFilesHarness {
+    FileSystem& files() { return fake; }
+    [[nodiscard]] std::string path() const { return "/folder/file"; }
+    [[nodiscard]] std::string read() const { return fake.files.at(path()).bytes; }
+    [[nodiscard]] unsigned mode() const { return fake.files.at(path()).mode; }
+    [[nodiscard]] bool exists() const { return fake.files.contains(path()); }
+    fakes::FakeFileSystem fake;
+};
+
+struct PosixFilesHarness {
+    FileSystem& files() { return real; }
+    [[nodiscard]] std::string path() const { return folder / "file"; }
+    [[nodiscard]] std::string read() const { return folder.read("file"); }
+    [[nodiscard]] unsigned mode() const { return static_cast<unsigned>(fs::status(path()).permissions()); }
+    [[nodiscard]] bool exists() const { return fs::exists(path()); }
+    fakes::TemporaryFolder folder;
+    PosixFileSystem real;
+};
+
+template <class Harness>
+class FileSystemContract : public testing::Test {
+protected:
+    Harness harness_;
+};
+
+using Harnesses = testing::Types<FakeFilesHarness, PosixFilesHarness>;
+TYPED_TEST_SUITE(FileSystemContract, Harnesses);
+
+} // namespace
+
+TYPED_TEST(FileSystemContract, WritesAFileWithItsMode) {
+    auto& harness = this->harness_;
+    const std::string bytes("one\0two\xff", 8);
+    ASSERT_TRUE(harness.files().write(harness.path(), bytes, kOwnerOnlyProgram));
+    EXPECT_EQ(harness.read(), bytes);
+    EXPECT_EQ(harness.mode(), 0700U);
+}
+
+TYPED_TEST(FileSystemContract, ReplacesAFileAndItsMode) {
+    auto& harness = this->harness_;
+    ASSERT_TRUE(harness.files().write(harness.path(), "a long first text", 0644));
+    ASSERT_TRUE(harness.files().write(harness.path(), "second", 0600));
+    EXPECT_EQ(harness.read(), "second");
+    EXPECT_EQ(harness.mode(), 0600U);
+}
+
+TYPED_TEST(FileSystemContract, RemovesAFileOnce) {
+    auto& harness = this->harness_;
+    ASSERT_TRUE(harness.files().write(harness.path(), "", 0600));
+    EXPECT_TRUE(harness.files().remove(harness.path()));
+    EXPECT_FALSE(harness.exists());
+    const auto again = harness.files().remove(harness.path());
+    ASSERT_FALSE(again);
+    EXPECT_EQ(again.error().code, ENOENT);
+    EXPECT_EQ(again.error().description, "No such file or directory");
+}
+
+TEST(PosixFileSystem, ModeHoldsWhateverTheProcessMasks) {
+    PosixFilesHarness harness;
+    const auto before = umask(0777);
+    const auto written = harness.files().write(harness.path(), "text", kOwnerOnlyProgram);
+    umask(before);
+    ASSERT_TRUE(written);
+    EXPECT_EQ(harness.mode(), 0700U);
+}
+
+TEST(PosixFileSystem, FailureLeavesTheOldFileAndNothingBeside) {
+    PosixFilesHarness harness;
+    fs::create_directory(harness.path()); // a folder cannot be replaced by a file
+    const auto written = harness.files().write(harness.path(), "text", 0600);
+    ASSERT_FALSE(written);
+    EXPECT_EQ(written.error().code, EISDIR);
+    EXPECT_EQ(std::distance(fs::directory_iterator(harness.folder.path()), {}), 1);
+}
+
+TEST(PosixFileSystem, MissingFolderIsTold) {
+    PosixFilesHarness harness;
+    const auto written = harness.files().write(harness.path() + "/below", "text", 0600);
+    ASSERT_FALSE(written);
+    EXPECT_EQ(written.error().description, "No such file or directory");
+}
+
+} // namespace fernwick::platform
