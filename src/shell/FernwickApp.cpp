@@ -1,9 +1,11 @@
 #include "shell/FernwickApp.h"
 
 #include "catalogue/KeyManager.h"
+#include "catalogue/KeychainStore.h"
 #include "catalogue/TagManager.h"
 #include "catalogue/TunnelStore.h"
 #include "platform/AppNotifications.h"
+#include "platform/NoKeychain.h"
 #include "platform/posix/FileUserDefaults.h"
 #include "platform/posix/PosixHostEnvironment.h"
 #include "platform/posix/PosixProcesses.h"
@@ -14,6 +16,7 @@
 #include "screens/theme/Theme.h"
 #include "shell/AppDelegate.h"
 #include "shell/MainWindowScene.h"
+#include "shell/ShellPanels.h"
 #include "shell/WindowManager.h"
 #include "support/NotificationCenter.h"
 #include "tunnel/RoutingLayer.h"
@@ -21,6 +24,7 @@
 
 #include <QApplication>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -40,6 +44,13 @@ void explainMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/
     }
 }
 
+// What a person calls the record with that id; empty when it is gone.
+template <class Record>
+std::string nameOf(const std::vector<Record>& records, const support::Uuid& id) {
+    const auto found = std::ranges::find(records, id, &Record::id);
+    return found != records.end() ? found->name : std::string();
+}
+
 } // namespace
 
 // What is asked of the operating system; it stands before any store reads the preferences.
@@ -52,6 +63,9 @@ struct FernwickApp::Backends {
     platform::DBusSingleInstance instance{host};
     platform::FileUserDefaultsProvider defaultsProvider{dispatch, host};
     support::NotificationCenter notifications;
+    platform::NoKeychain keychain;
+    FilePanels dialogs;
+    ClipboardPasteboard pasteboard;
 };
 
 // The application's state and windows, in the order in which they come to life.
@@ -64,6 +78,9 @@ struct FernwickApp::Scene {
                    backends.notifications, routing}),
           keys(*defaults),
           tags(*defaults),
+          keychain(
+              backends.keychain, [this](const support::Uuid& id) { return nameOf(store.tunnels(), id); },
+              [this](const support::Uuid& id) { return nameOf(keys.keys(), id); }),
           delegate(backends.dispatch, routing),
           windows(backends.dispatch, delegate),
           mainWindow({theme,
@@ -74,6 +91,10 @@ struct FernwickApp::Scene {
                       backends.notifications,
                       backends.dispatch,
                       backends.clock,
+                      backends.host,
+                      keychain,
+                      backends.dialogs,
+                      backends.pasteboard,
                       {}},
                      routing, delegate, windows) {}
 
@@ -84,6 +105,7 @@ struct FernwickApp::Scene {
     TunnelManager tunnels;
     KeyManager keys;
     TagManager tags;
+    KeychainStore keychain;
     AppDelegate delegate;
     WindowManager windows;
     MainWindowScene mainWindow;

@@ -6,6 +6,8 @@
 #include "support/FakeClock.h"
 #include "support/FakeDispatch.h"
 #include "support/FakeHostEnvironment.h"
+#include "support/FakeKeychain.h"
+#include "support/FakePlatform.h"
 #include "support/FakeProcesses.h"
 #include "support/FakeUserDefaults.h"
 
@@ -40,9 +42,19 @@ struct Bench {
     }
 
     [[nodiscard]] MainWindowContext context() {
-        return {theme,    store, manager,
-                keys,     tags,  notifications,
-                dispatch, clock, [this](auto list) { proxyRules.push_back(std::move(list)); }};
+        return {theme,
+                store,
+                manager,
+                keys,
+                tags,
+                notifications,
+                dispatch,
+                clock,
+                host,
+                keychain,
+                dialogs,
+                pasteboard,
+                [this](auto list) { proxyRules.push_back(std::move(list)); }};
     }
 
     // Lets everything that is queued happen, without letting virtual time pass.
@@ -86,6 +98,10 @@ struct Bench {
     TunnelStore store{defaults, clock};
     KeyManager keys{defaults};
     TagManager tags{defaults};
+    fakes::FakeKeychain secrets;
+    KeychainStore keychain{secrets};
+    fakes::FakeDialogs dialogs;
+    fakes::FakePasteboard pasteboard;
     TunnelManager manager{{dispatch, clock, processes, host, defaults, notifications, routing}};
     Theme theme;
     std::vector<std::vector<std::pair<support::Uuid, std::string>>> proxyRules;

@@ -3,6 +3,7 @@
 #include "screens/detail/ConnectButton.h"
 #include "screens/detail/LogListModel.h"
 #include "screens/detail/LogListView.h"
+#include "screens/detail/TabButton.h"
 
 #include <QCheckBox>
 #include <QClipboard>
@@ -27,6 +28,11 @@ protected:
         bench.add(tunnel);
         auto& list = bench.find<QListView>("tunnelList");
         list.setCurrentIndex(list.model()->index(0, 0));
+        bench.settle();
+    }
+
+    void openLogs() {
+        bench.find<TabButton>("logsTabButton").click();
         bench.settle();
     }
 
@@ -105,6 +111,7 @@ TEST_F(Detail, PillsShowThePortsThatAreThere) {
 }
 
 TEST_F(Detail, AnEmptyLogSaysSo) {
+    openLogs();
     EXPECT_TRUE(bench.find<QLabel>("logEmptyText").isVisible());
     EXPECT_EQ(bench.find<QLabel>("logEmptyText").text(),
               QStringLiteral("No logs yet. Connect to start seeing output."));
@@ -117,6 +124,7 @@ TEST_F(Detail, AnEmptyLogSaysSo) {
 }
 
 TEST_F(Detail, ABurstOfLinesIsShownInOneGo) {
+    openLogs();
     const QSignalSpy inserted(log().model(), &QAbstractItemModel::rowsInserted);
     addLines(500);
     EXPECT_EQ(inserted.count(), 0);
@@ -126,6 +134,7 @@ TEST_F(Detail, ABurstOfLinesIsShownInOneGo) {
 }
 
 TEST_F(Detail, TheOldestLinesGo) {
+    openLogs();
     addLines(500);
     bench.settle();
     addLines(3);
@@ -136,6 +145,7 @@ TEST_F(Detail, TheOldestLinesGo) {
 }
 
 TEST_F(Detail, LinesOfOtherTunnelsAreNotShown) {
+    openLogs();
     const auto other = bench.add(tunnelNamed("other"));
     bench.manager.logs().append(LogLevel::info, "elsewhere", other.id);
     bench.settle();
@@ -143,6 +153,7 @@ TEST_F(Detail, LinesOfOtherTunnelsAreNotShown) {
 }
 
 TEST_F(Detail, TheListFollowsNewLinesUntilItIsToldNotTo) {
+    openLogs();
     addLines(200);
     bench.settle();
     auto* bar = log().verticalScrollBar();
@@ -156,6 +167,7 @@ TEST_F(Detail, TheListFollowsNewLinesUntilItIsToldNotTo) {
 }
 
 TEST_F(Detail, ClearEmptiesTheLog) {
+    openLogs();
     addLines(3);
     bench.settle();
     bench.find<QPushButton>("logClearButton").click();
@@ -166,6 +178,7 @@ TEST_F(Detail, ClearEmptiesTheLog) {
 }
 
 TEST_F(Detail, ChosenLinesAreCopiedWhole) {
+    openLogs();
     bench.manager.logs().append(LogLevel::info, "first", tunnel.id);
     bench.manager.logs().append(LogLevel::error, std::string(9000, 'x'), tunnel.id);
     bench.settle();
@@ -180,6 +193,7 @@ TEST_F(Detail, ChosenLinesAreCopiedWhole) {
 }
 
 TEST_F(Detail, LongLinesTakeMoreRoomAndNarrowColumnsToo) {
+    openLogs();
     bench.manager.logs().append(LogLevel::info, "short", tunnel.id);
     bench.manager.logs().append(LogLevel::info, std::string(400, 'w'), tunnel.id);
     bench.settle();
