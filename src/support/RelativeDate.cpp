@@ -81,6 +81,8 @@ std::string RelativeDateFormatter::text(Date date, Date now) {
     }
     if (count == 0) {
         count = calendar.fieldDifference(when, UCAL_SECOND, status);
+        // Less than a second ago is ago, and not ahead: the sign of zero says so.
+        count = std::copysign(count, date <= now ? -1.0 : 1.0);
     }
     icu::UnicodeString told;
     language_->formatter.formatNumeric(count, unit, told, status);

@@ -8,6 +8,8 @@
 
 #include <QSignalBlocker>
 
+#include <algorithm>
+
 namespace fernwick {
 
 namespace {
@@ -54,6 +56,7 @@ QWidget* AdvancedTabView::buildKeepAlive() {
     keepAliveText_ = new ElidedLabel(line);
     keepAliveText_->setObjectName(QStringLiteral("keepAliveText"));
     keepAliveText_->setFont(context_.theme.monospaced(12));
+    keepAliveText_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     keepAliveText_->setForegroundRole(QPalette::PlaceholderText);
     keepAliveText_->setFixedWidth(
         std::max(kSecondsWidth, keepAliveText_->fontMetrics().horizontalAdvance(QStringLiteral("300s"))));
@@ -63,7 +66,9 @@ QWidget* AdvancedTabView::buildKeepAlive() {
     layout->addStretch();
     layout->addWidget(keepAlive_);
     layout->addWidget(keepAliveText_);
-    return new LabeledField(context_.theme, QStringLiteral("Keep-Alive (sec)"), line, this, keepAlive_);
+    auto* row = new LabeledField(context_.theme, QStringLiteral("Keep-Alive (sec)"), line, this, keepAlive_);
+    row->name().setForegroundRole(QPalette::WindowText); // as the names of the rows below it
+    return row;
 }
 
 Switch* AdvancedTabView::addSwitch(FormSection& section, const QString& label, const QString& caption,

@@ -128,7 +128,8 @@ void ConfigTabView::buildForwarding() {
     addText(section, {"configLocalPortField", QStringLiteral("Local Port"), QStringLiteral("8080"),
                       &Tunnel::localPort, kPortWidth});
     const auto addRemote = [&](const Row& row) {
-        remoteRows_.push_back(addText(section, row)->parentWidget());
+        addText(section, row);
+        remoteRows_.push_back(texts_.back().row);
     };
     addRemote({"configRemoteHostField", QStringLiteral("Remote Host"), QStringLiteral("localhost"),
                &Tunnel::remoteHost});
@@ -158,13 +159,12 @@ TextField* ConfigTabView::addText(FormSection& section, const Row& row) {
         [this, text = row.text](std::string edited) { binding_.write(text, std::move(edited)); }, this);
     field->setObjectName(QString::fromLatin1(row.objectName));
     field->setPlaceholderText(row.placeholder);
+    QWidget* content = field;
     if (row.width > 0) {
         field->setFixedWidth(row.width);
-        addControl(section, row.label, leading(field), field);
-    } else {
-        addControl(section, row.label, field);
+        content = leading(field);
     }
-    texts_.push_back({field, row.text});
+    texts_.push_back({field, row.text, addControl(section, row.label, content, field)});
     return field;
 }
 

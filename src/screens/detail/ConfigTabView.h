@@ -39,6 +39,7 @@ private:
     struct BoundText {
         TextField* field;
         std::string Tunnel::* text;
+        QWidget* row;
     };
 
     void buildGeneral();

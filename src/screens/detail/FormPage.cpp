@@ -15,16 +15,19 @@ FormPage::FormPage(const Theme& theme, QWidget* parent)
     : QScrollArea(parent), theme_(theme), column_(new QWidget), sections_(new QVBoxLayout(column_)) {
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn); // nothing is drawn of it while all fits
     setFocusPolicy(Qt::NoFocus);
     setWidgetResizable(true);
     viewport()->setAutoFillBackground(false);
-    sections_->setContentsMargins(0, 0, 0, kBottom);
+    sections_->setContentsMargins(0, 0, 0, 0); // the stretch at the end has the spacing above it
     sections_->setSpacing(kBottom);
-    sections_->setAlignment(Qt::AlignTop);
+    sections_->addStretch();
     column_->setMaximumWidth(kWidest);
     auto* ground = new QWidget;
     auto* centre = new QHBoxLayout(ground);
-    centre->setContentsMargins(grid::kLarge, grid::kTight, grid::kLarge, 0);
+    // The scroll bar stands in the margin, so that cards line up with what is above the page.
+    const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    centre->setContentsMargins(grid::kLarge, grid::kTight, grid::kLarge - bar, 0);
     centre->addStretch(1);
     centre->addWidget(column_, 1000);
     centre->addStretch(1);
@@ -34,7 +37,7 @@ FormPage::FormPage(const Theme& theme, QWidget* parent)
 
 FormSection* FormPage::addSection(const QString& title, Icon icon) {
     auto* section = new FormSection(theme_, title, icon, column_);
-    sections_->addWidget(section);
+    sections_->insertWidget(sections_->count() - 1, section);
     return section;
 }
 

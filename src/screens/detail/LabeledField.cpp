@@ -26,28 +26,28 @@ int labelWidth(const QLabel& label) {
 
 LabeledField::LabeledField(const Theme& theme, const QString& label, QWidget* content, QWidget* parent,
                            QWidget* control, const QString& caption)
-    : QWidget(parent) {
+    : QWidget(parent), name_(makeCaption(label, theme.font(13), this)) {
     content->setParent(this);
     auto* named = control != nullptr ? control : content;
     named->setAccessibleName(label);
-    auto* name = makeCaption(label, theme.font(13), this);
-    name->setBuddy(named);
+    name_->setBuddy(named);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(grid::kMedium);
     if (caption.isEmpty()) {
-        name->setFixedSize(labelWidth(*name), lineHeight(*name));
-        row->addWidget(name, 0, Qt::AlignTop);
+        name_->setFixedSize(labelWidth(*name_), lineHeight(*name_));
+        row->addWidget(name_, 0, Qt::AlignTop);
         row->addWidget(content, 1);
         return;
     }
-    name->setForegroundRole(QPalette::WindowText);
+    name_->setForegroundRole(QPalette::WindowText); // the caption is what stands back
+    name_->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     auto* help = makeCaption(caption, theme.font(11), this);
     help->setWordWrap(true);
     named->setAccessibleDescription(caption);
     auto* lines = new QVBoxLayout;
     lines->setSpacing(2);
-    lines->addWidget(name);
+    lines->addWidget(name_);
     lines->addWidget(help);
     row->addLayout(lines, 1);
     row->addWidget(content, 0, Qt::AlignVCenter);

@@ -4,6 +4,7 @@
 
 #include "screens/theme/Theme.h"
 
+#include <QLabel>
 #include <QWidget>
 
 namespace fernwick {
@@ -14,6 +15,12 @@ public:
     // there is one, stands under the label.
     LabeledField(const Theme& theme, const QString& label, QWidget* content, QWidget* parent,
                  QWidget* control = nullptr, const QString& caption = {});
+
+    // The label itself.
+    [[nodiscard]] QLabel& name() const { return *name_; }
+
+private:
+    QLabel* name_;
 };
 
 } // namespace fernwick

@@ -4,6 +4,7 @@
 #include "screens/theme/Grid.h"
 #include "screens/theme/StylePaint.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 
 namespace fernwick {
@@ -20,7 +21,11 @@ QString orElse(const std::string& text, const char* placeholder) {
 } // namespace
 
 PortDiagramView::PortDiagramView(const Theme& theme, QWidget* parent)
-    : QWidget(parent), local_(new ElidedLabel(this)), remote_(new ElidedLabel(this)) {
+    : QWidget(parent),
+      theme_(theme),
+      local_(new ElidedLabel(this)),
+      ssh_(makeLabel(QStringLiteral("SSH"), theme.font(9, QFont::Bold), this)),
+      remote_(new ElidedLabel(this)) {
     setObjectName(QStringLiteral("portDiagram"));
     setLayoutDirection(Qt::LeftToRight); // the arrows say which way it goes
     local_->setObjectName(QStringLiteral("diagramLocal"));
@@ -30,27 +35,43 @@ PortDiagramView::PortDiagramView(const Theme& theme, QWidget* parent)
         end->setAlignment(Qt::AlignCenter);
         end->setLayoutDirection(Qt::LeftToRight);
     }
-    auto* ssh = makeLabel(QStringLiteral("SSH"), theme.font(9, QFont::Bold), this);
-    ssh->setObjectName(QStringLiteral("diagramSSH"));
+    ssh_->setObjectName(QStringLiteral("diagramSSH"));
+    ssh_->setAlignment(Qt::AlignCenter);
+    tint();
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(grid::kMedium);
+    layout->setSpacing(grid::kLarge);
     const auto addArrow = [&] {
         layout->addWidget(new IconView(theme, Icon::arrowRight, kArrowSize, &Palette::secondary, this));
     };
-    layout->addWidget(makeNode(theme, Icon::laptop, &Palette::blue, local_), 1);
+    layout->addStretch();
+    layout->addWidget(makeNode(Icon::laptop, &Palette::blue, local_));
     addArrow();
-    layout->addWidget(makeNode(theme, Icon::lock, &Palette::orange, ssh));
+    layout->addWidget(makeNode(Icon::lock, &Palette::orange, ssh_));
     addArrow();
-    layout->addWidget(makeNode(theme, Icon::server, &Palette::green, remote_), 1);
+    layout->addWidget(makeNode(Icon::server, &Palette::green, remote_));
+    layout->addStretch();
 }
 
-QWidget* PortDiagramView::makeNode(const Theme& theme, Icon icon, NamedColor color, QLabel* text) {
+void PortDiagramView::tint() {
+    QPalette palette;
+    palette.setColor(QPalette::WindowText, theme_.colors().orange);
+    ssh_->setPalette(palette);
+}
+
+void PortDiagramView::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        tint();
+    }
+}
+
+QWidget* PortDiagramView::makeNode(Icon icon, NamedColor color, QLabel* text) {
     auto* node = new QWidget(this);
     auto* layout = new QVBoxLayout(node);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(grid::kTight);
-    layout->addWidget(new IconView(theme, icon, kIconSize, color, node), 0, Qt::AlignHCenter);
+    layout->addWidget(new IconView(theme_, icon, kIconSize, color, node), 0, Qt::AlignHCenter);
     layout->addWidget(text);
     return node;
 }

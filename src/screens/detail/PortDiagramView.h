@@ -13,11 +13,18 @@ public:
 
     void showTunnel(const Tunnel& tunnel);
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
     // An icon over its text.
-    QWidget* makeNode(const Theme& theme, Icon icon, NamedColor color, QLabel* text);
+    QWidget* makeNode(Icon icon, NamedColor color, QLabel* text);
 
+    void tint();
+
+    const Theme& theme_;
     ElidedLabel* local_;
+    QLabel* ssh_;
     ElidedLabel* remote_;
 };
 

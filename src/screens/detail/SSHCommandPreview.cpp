@@ -9,12 +9,13 @@
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QPainter>
-#include <QScrollBar>
+#include <QTextDocument>
 #include <QTextEdit>
 #include <QToolButton>
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 namespace fernwick {
 
@@ -22,8 +23,38 @@ namespace {
 
 constexpr qsizetype kLongest = 8192;
 constexpr int kHighest = 180;
+constexpr int kNarrowest = 120;
 constexpr double kTextMargin = 6.0;
 constexpr double kBorderOpacity = 0.25;
+
+// Text that can be selected, as high as its lines are at the width that it is given.
+class WrappedText final : public QTextEdit {
+public:
+    WrappedText(const QFont& font, QWidget* parent) : QTextEdit(parent) {
+        setReadOnly(true);
+        setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+        setTabChangesFocus(true);
+        setFrameShape(QFrame::NoFrame);
+        setFont(font);
+        setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        document()->setDocumentMargin(kTextMargin);
+        viewport()->setAutoFillBackground(false);
+        QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+        policy.setHeightForWidth(true);
+        setSizePolicy(policy);
+    }
+
+    [[nodiscard]] bool hasHeightForWidth() const override { return true; }
+    [[nodiscard]] int heightForWidth(int width) const override {
+        const std::unique_ptr<QTextDocument> measured(document()->clone());
+        measured->setTextWidth(width);
+        const int height = static_cast<int>(std::ceil(measured->size().height()));
+        return std::clamp(height, grid::kToolButtonSize, kHighest);
+    }
+    [[nodiscard]] QSize sizeHint() const override { return {kNarrowest, grid::kToolButtonSize}; }
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+};
 
 } // namespace
 
@@ -33,22 +64,13 @@ SSHCommandPreview::SSHCommandPreview(const Theme& theme, platform::Pasteboard& p
       theme_(theme),
       pasteboard_(pasteboard),
       dispatch_(dispatch),
-      text_(new QTextEdit(this)),
+      text_(new WrappedText(theme.monospaced(11), this)),
       button_(makeIconButton(theme, Icon::document, QStringLiteral("Copy"), QStringLiteral("copyCommandButton"),
                              this)),
       self_(*this) {
     setObjectName(QStringLiteral("sshCommandPreview"));
     text_->setObjectName(QStringLiteral("sshCommandText"));
     text_->setAccessibleName(QStringLiteral("SSH Command Preview"));
-    text_->setFont(theme.monospaced(11));
-    text_->setReadOnly(true);
-    text_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    text_->setTabChangesFocus(true);
-    text_->setFrameShape(QFrame::NoFrame);
-    text_->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    text_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    text_->document()->setDocumentMargin(kTextMargin);
-    text_->viewport()->setAutoFillBackground(false);
     text_->installEventFilter(this);
     connect(button_, &QToolButton::clicked, this, [this] { copy(); });
     auto* layout = new QHBoxLayout(this);
@@ -65,13 +87,7 @@ void SSHCommandPreview::showTunnel(const Tunnel& tunnel) {
     }
     command_ = std::move(command);
     text_->setPlainText(displayLine(command_, kLongest));
-    fit();
-}
-
-void SSHCommandPreview::fit() {
-    text_->document()->setTextWidth(text_->viewport()->width());
-    const int lines = static_cast<int>(std::ceil(text_->document()->size().height()));
-    text_->setFixedHeight(std::min(std::max(lines, grid::kToolButtonSize), kHighest));
+    text_->updateGeometry();
 }
 
 void SSHCommandPreview::copy() {
@@ -93,9 +109,6 @@ void SSHCommandPreview::setCopied(bool copied) {
 }
 
 bool SSHCommandPreview::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::Resize) {
-        fit();
-    }
     if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) {
         update();
     }

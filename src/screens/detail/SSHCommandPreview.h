@@ -34,8 +34,6 @@ protected:
 private:
     void copy();
     void setCopied(bool copied);
-    // Makes the text as high as its lines are.
-    void fit();
 
     const Theme& theme_;
     platform::Pasteboard& pasteboard_;

@@ -59,6 +59,7 @@ QWidget* TunnelDetailView::buildTabBar() {
     auto* layout = new QHBoxLayout(bar);
     layout->setContentsMargins(grid::kLarge, 0, grid::kLarge, 0);
     layout->setSpacing(grid::kTight);
+    layout->addStretch();
     const auto add = [&](int tab, const QString& title, Icon icon, const QString& name) {
         auto* button =
             new TabButton(context_.theme, title, icon, tab, [this](int chosen) { select(chosen); }, bar);

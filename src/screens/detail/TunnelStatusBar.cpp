@@ -103,6 +103,14 @@ void TunnelStatusBar::changeEvent(QEvent* event) {
     }
 }
 
+bool TunnelStatusBar::event(QEvent* event) {
+    if (event->type() == QEvent::Enter || event->type() == QEvent::WindowActivate ||
+        event->type() == QEvent::Show) {
+        refreshLastConnected();
+    }
+    return QWidget::event(event);
+}
+
 void TunnelStatusBar::toggle() {
     if (manager_.isActive(tunnel_.id)) {
         manager_.disconnect(tunnel_.id);

@@ -28,6 +28,8 @@ public:
 
 protected:
     void changeEvent(QEvent* event) override;
+    // Whoever comes to look at it sees the time as it is.
+    bool event(QEvent* event) override;
 
 private:
     void toggle();

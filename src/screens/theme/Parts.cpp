@@ -80,9 +80,10 @@ void ElidedLabel::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setPen(palette().color(foregroundRole()));
     QRect area = contentsRect();
-    if (const int width = fontMetrics().horizontalAdvance(text());
-        alignment().testFlag(Qt::AlignHCenter) && width < area.width()) {
-        area = QRect(area.center().x() - width / 2, area.top(), width + 1, area.height());
+    if (const int free = area.width() - fontMetrics().horizontalAdvance(text()) - 1; free > 0) {
+        const bool centred = alignment().testFlag(Qt::AlignHCenter);
+        area.adjust(centred ? free / 2 : (alignment().testFlag(Qt::AlignRight) ? free : 0), 0,
+                    centred ? -(free - free / 2) : 0, 0);
     }
     drawLine(painter, area, text(),
              testAttribute(Qt::WA_SetLayoutDirection) ? layoutDirection() : Qt::LayoutDirectionAuto);

@@ -116,7 +116,11 @@ void Style::drawControl(ControlElement element, const QStyleOption* option, QPai
     case CE_MenuItem:
         if (const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
             item != nullptr && item->menuItemType != QStyleOptionMenuItem::SubMenu) {
-            stylepaint::menuItem(*painter, *item, theme_);
+            QStyleOptionMenuItem inset = *item;
+            if (qobject_cast<const QComboBox*>(widget) != nullptr) { // its list has no margin of its own
+                inset.rect.adjust(kMenuMargin, 0, -kMenuMargin, 0);
+            }
+            stylepaint::menuItem(*painter, inset, theme_);
             return;
         }
         break;
