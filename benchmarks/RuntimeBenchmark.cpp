@@ -94,7 +94,10 @@ struct World {
     TunnelManager tunnels{quiet.services(dispatch, clock, processes, host, *defaults, notifications, routing)};
     KeyManager keys{*defaults};
     TagManager tags{*defaults};
-    MainWindow window{{theme, store, tunnels, keys, tags, notifications, dispatch, clock, {}}};
+    fakes::FakeDialogs dialogs;
+    fakes::FakePasteboard pasteboard;
+    MainWindow window{{theme, store, tunnels, keys, tags, notifications, dispatch, clock, host, quiet.secrets,
+                       dialogs, pasteboard}};
 };
 
 // The longest time in which the main thread answered nobody, in milliseconds.

@@ -4,6 +4,8 @@
 #include "support/FakeClock.h"
 #include "support/FakeDispatch.h"
 #include "support/FakeHostEnvironment.h"
+#include "support/FakeKeychain.h"
+#include "support/FakePlatform.h"
 #include "support/FakeProcesses.h"
 #include "support/FakeUserDefaults.h"
 #include "support/QuietPlatform.h"
@@ -63,10 +65,14 @@ struct Window {
     KeyManager keys{*defaults};
     TagManager tags{*defaults};
     fakes::QuietPlatform platform;
+    KeychainStore& keychain = platform.secrets;
+    fakes::FakeDialogs dialogs;
+    fakes::FakePasteboard pasteboard;
     TunnelManager manager{
         platform.services(dispatch, clock, processes, host, *defaults, notifications, routing)};
     Theme theme{*qApp, Appearance::light};
-    MainWindow window{{theme, store, manager, keys, tags, notifications, dispatch, clock}};
+    MainWindow window{{theme, store, manager, keys, tags, notifications, dispatch, clock, host, keychain,
+                       dialogs, pasteboard}};
 };
 
 // One key in the search field until the list shows what is left, laid out and painted.
@@ -85,6 +91,24 @@ void filterPerKeystroke(benchmark::State& state) {
     }
 }
 BENCHMARK(filterPerKeystroke)->Unit(benchmark::kMillisecond);
+
+// One key in a field of the chosen tunnel until it is saved and the window shows it everywhere.
+void editPerKeystroke(benchmark::State& state) {
+    Window window;
+    auto* list = window.window.findChild<QListView*>(QStringLiteral("tunnelList"));
+    list->setCurrentIndex(list->model()->index(5, 0));
+    window.dispatch.runMain();
+    auto* field = window.window.findChild<QLineEdit*>(QStringLiteral("configNameField"));
+    QImage frame(window.window.size(), QImage::Format_ARGB32_Premultiplied);
+    bool longer = true;
+    for (auto _ : state) {
+        longer ? field->insert(QStringLiteral("x")) : field->backspace();
+        longer = !longer;
+        window.dispatch.runMain();
+        window.window.render(&frame);
+    }
+}
+BENCHMARK(editPerKeystroke)->Unit(benchmark::kMillisecond);
 
 // One step of the wheel, painted.
 void scrollFrame(benchmark::State& state) {

@@ -5,6 +5,7 @@
 #include "catalogue/TagManager.h"
 #include "catalogue/TunnelStore.h"
 #include "platform/AppNotifications.h"
+#include "platform/linux/RouteNetworkMonitor.h"
 #include "platform/linux/SecretServiceKeychain.h"
 #include "platform/posix/FileUserDefaults.h"
 #include "platform/posix/PosixCommandRunner.h"
@@ -14,7 +15,10 @@
 #include "platform/posix/SystemClock.h"
 #include "platform/posix/TerminationSignals.h"
 #include "platform/qt/DBusSingleInstance.h"
+#include "platform/qt/LogindPowerEvents.h"
+#include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtDispatch.h"
+#include "platform/qt/QtPasteboard.h"
 #include "screens/theme/Theme.h"
 #include "shell/AppDelegate.h"
 #include "shell/MainWindowScene.h"
@@ -35,13 +39,6 @@ namespace {
 
 constexpr std::string_view kDefaultsDomain = "com.fernwick.Fernwick";
 
-struct PowerThatStays final : platform::PowerEvents {
-    void start() override {}
-};
-struct NetworkThatStays final : platform::NetworkMonitor {
-    void start(platform::SerialQueue&, std::function<void(platform::NetworkPathStatus)>) override {}
-};
-
 // Qt aborts the process when it can open no display; a person is better served by a sentence.
 void explainMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
     std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
@@ -50,6 +47,13 @@ void explainMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/
                    stderr);
         std::_Exit(EXIT_FAILURE);
     }
+}
+
+// What a person calls the record with that id; empty when it is gone.
+template <class Record>
+std::string nameOf(const std::vector<Record>& records, const support::Uuid& id) {
+    const auto found = std::ranges::find(records, id, &Record::id);
+    return found != records.end() ? found->name : std::string();
 }
 
 } // namespace
@@ -64,10 +68,12 @@ struct FernwickApp::Backends {
     platform::PosixCommandRunner commands{launcher};
     platform::PosixFileSystem files;
     platform::SecretServiceKeychain keychain{host};
-    PowerThatStays power;
+    platform::LogindPowerEvents power{dispatch, host};
     platform::DBusSingleInstance instance{host};
     platform::FileUserDefaultsProvider defaultsProvider{dispatch, host};
     support::NotificationCenter notifications;
+    platform::QtDialogs dialogs;
+    platform::QtPasteboard pasteboard;
 };
 
 // The application's state and windows, in the order in which they come to life.
@@ -76,12 +82,12 @@ struct FernwickApp::Scene {
         : theme(application),
           defaults(backends.defaultsProvider.open(kDefaultsDomain)),
           store(*defaults, backends.clock),
-          secrets(
-              backends.keychain, [this](const support::Uuid& id) { return tunnelName(id); },
-              [this](const support::Uuid& id) { return keyName(id); }),
+          keychain(
+              backends.keychain, [this](const support::Uuid& id) { return nameOf(store.tunnels(), id); },
+              [this](const support::Uuid& id) { return nameOf(keys.keys(), id); }),
           tunnels({backends.dispatch, backends.clock, backends.processes, backends.host, *defaults,
-                   backends.notifications, routing, backends.commands, backends.files, secrets, backends.power,
-                   std::make_unique<NetworkThatStays>()}),
+                   backends.notifications, routing, backends.commands, backends.files, keychain, backends.power,
+                   std::make_unique<platform::RouteNetworkMonitor>()}),
           keys(*defaults),
           tags(*defaults),
           delegate(backends.dispatch, routing),
@@ -94,24 +100,18 @@ struct FernwickApp::Scene {
                       backends.notifications,
                       backends.dispatch,
                       backends.clock,
+                      backends.host,
+                      keychain,
+                      backends.dialogs,
+                      backends.pasteboard,
                       {}},
                      routing, delegate, windows) {}
-
-    // What a person calls the owner of a secret; empty for one that is gone.
-    [[nodiscard]] std::string tunnelName(const support::Uuid& id) const {
-        const auto* tunnel = store.find(id);
-        return tunnel != nullptr ? tunnel->name : std::string();
-    }
-    [[nodiscard]] std::string keyName(const support::Uuid& id) const {
-        const auto key = std::ranges::find(keys.keys(), id, &IdentityKey::id);
-        return key != keys.keys().end() ? key->name : std::string();
-    }
 
     Theme theme;
     std::unique_ptr<platform::UserDefaults> defaults;
     NoRouting routing;
     TunnelStore store;
-    KeychainStore secrets;
+    KeychainStore keychain;
     TunnelManager tunnels;
     KeyManager keys;
     TagManager tags;
@@ -136,6 +136,7 @@ int FernwickApp::run() {
     const auto reopened = backends_->instance.reopened.connect(
         [this] { scene_->delegate.applicationShouldHandleReopen(scene_->mainWindow.isVisible()); });
     QObject::connect(&application_, &QCoreApplication::aboutToQuit, &application_, [this] { terminate(); });
+    backends_->power.start();
     scene_->delegate.applicationDidFinishLaunching();
     scene_->mainWindow.open();
     const int status = QApplication::exec();

@@ -6,6 +6,8 @@
 #include "support/FakeClock.h"
 #include "support/FakeDispatch.h"
 #include "support/FakeHostEnvironment.h"
+#include "support/FakeKeychain.h"
+#include "support/FakePlatform.h"
 #include "support/FakeProcesses.h"
 #include "support/FakeUserDefaults.h"
 #include "support/QuietPlatform.h"
@@ -41,9 +43,19 @@ struct Bench {
     }
 
     [[nodiscard]] MainWindowContext context() {
-        return {theme,    store, manager,
-                keys,     tags,  notifications,
-                dispatch, clock, [this](auto list) { proxyRules.push_back(std::move(list)); }};
+        return {theme,
+                store,
+                manager,
+                keys,
+                tags,
+                notifications,
+                dispatch,
+                clock,
+                host,
+                keychain,
+                dialogs,
+                pasteboard,
+                [this](auto list) { proxyRules.push_back(std::move(list)); }};
     }
 
     // Lets everything that is queued happen, without letting virtual time pass.
@@ -88,6 +100,10 @@ struct Bench {
     KeyManager keys{defaults};
     TagManager tags{defaults};
     fakes::QuietPlatform platform;
+    fakes::FakeKeychain& secrets = platform.keychain;
+    KeychainStore& keychain = platform.secrets;
+    fakes::FakeDialogs dialogs;
+    fakes::FakePasteboard pasteboard;
     TunnelManager manager{
         platform.services(dispatch, clock, processes, host, defaults, notifications, routing)};
     Theme theme;

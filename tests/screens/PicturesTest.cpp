@@ -1,13 +1,18 @@
 // Pictures of every state of the main window, for eyes: they lie in the build folder, under pictures/. The test
 // itself only says that each could be drawn and is not of one colour.
 #include "Bench.h"
+#include "screens/detail/TabButton.h"
 #include "screens/main/AddTunnelSheet.h"
 #include "screens/main/DeleteConfirmation.h"
 
 #include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
 #include <QDir>
 #include <QLineEdit>
 #include <QListView>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTest>
 #include <QToolButton>
 #include <gtest/gtest.h>
@@ -80,9 +85,78 @@ protected:
         bench.settle();
     }
 
+    void turnTo(const char* tab) { bench.find<TabButton>(tab).click(); }
+
+    void edit(const Tunnel& tunnel) {
+        bench.store.update(tunnel);
+        bench.settle();
+    }
+
+    void scrollTo(const char* page, int value) {
+        auto* bar = bench.find<QScrollArea>(page).verticalScrollBar();
+        bar->setValue(value < 0 ? bar->maximum() : value);
+    }
+
     Bench bench;
     std::vector<Tunnel> tunnels;
 };
+
+TEST_P(Pictures, Configuration) {
+    open();
+    addFour();
+    choose(0);
+    save(*bench.window, "config");
+    scrollTo("configTab", 200);
+    save(*bench.window, "config-middle");
+    scrollTo("configTab", -1);
+    save(*bench.window, "config-end");
+    choose(2);
+    scrollTo("configTab", -1);
+    save(*bench.window, "config-socks");
+}
+
+TEST_P(Pictures, Authentication) {
+    open();
+    addFour();
+    choose(1);
+    Tunnel tunnel = *bench.store.find(tunnels[1].id);
+    tunnel.authMethod = AuthMethod::password;
+    bench.keychain.saveTunnelPassword(support::Secret("correct horse"), tunnel.id);
+    edit(tunnel);
+    scrollTo("configTab", 200);
+    save(*bench.window, "config-password");
+    tunnel.authMethod = AuthMethod::agent;
+    edit(tunnel);
+    save(*bench.window, "config-agent");
+    tunnel.authMethod = AuthMethod::privateKey;
+    edit(tunnel);
+    bench.find<QPushButton>("addKeyButton").click();
+    bench.dialogs.answer("/home/anna/.ssh/id_ed25519");
+    save(*bench.window, "config-key-added");
+    bench.keys.add({support::Uuid::random(), "work_rsa.pem", "/home/anna/work_rsa.pem", "", {}});
+    bench.find<QComboBox>("keyMenu").showPopup();
+    save(*QApplication::activePopupWidget(), "menu-keys");
+    bench.find<QComboBox>("keyMenu").hidePopup();
+    bench.find<QComboBox>("typeMenu").showPopup();
+    save(*QApplication::activePopupWidget(), "menu-types");
+}
+
+TEST_P(Pictures, Advanced) {
+    open();
+    addFour();
+    choose(0);
+    turnTo("advancedTabButton");
+    bench.find<QToolButton>("copyCommandButton").click();
+    save(*bench.window, "advanced");
+    Tunnel tunnel = *bench.store.find(tunnels[0].id);
+    tunnel.host = std::string(900, 'h') + ".example.com";
+    tunnel.keepAliveInterval = 3600;
+    tunnel.compression = true;
+    tunnel.reconnectOnFailure = false;
+    edit(tunnel);
+    bench.find<QCheckBox>("compressionSwitch").setFocus(Qt::TabFocusReason);
+    save(*bench.window, "advanced-long");
+}
 
 TEST_P(Pictures, Empty) {
     open();
@@ -105,6 +179,7 @@ TEST_P(Pictures, SelectedWithLog) {
     logs.append(LogLevel::error, "channel 2: open failed: administratively prohibited: open failed", id);
     logs.append(LogLevel::error, "Process exited (code: 255) — Network error or host unreachable", id);
     choose(0);
+    turnTo("logsTabButton");
     save(*bench.window, "selected");
     choose(1);
     save(*bench.window, "connecting");
@@ -116,6 +191,7 @@ TEST_P(Pictures, NoLog) {
     open();
     addFour();
     choose(2);
+    turnTo("logsTabButton");
     save(*bench.window, "nolog");
 }
 
@@ -130,6 +206,11 @@ TEST_P(Pictures, LongAndForeignNames) {
     bench.add(tunnelNamed(std::string(10000, 'x')));
     choose(2);
     save(*bench.window, "names");
+    choose(4);
+    save(*bench.window, "names-lines");
+    choose(5);
+    scrollTo("configTab", -1);
+    save(*bench.window, "names-long");
 }
 
 TEST_P(Pictures, NoResults) {

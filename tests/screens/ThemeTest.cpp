@@ -1,10 +1,10 @@
 #include "screens/theme/Theme.h"
 
 #include "screens/detail/LogRowDelegate.h"
-#include "screens/main/TunnelRowDelegate.h"
 #include "screens/theme/DisplayText.h"
 #include "screens/theme/StatusColors.h"
 #include "screens/theme/TagColors.h"
+#include "screens/theme/TypeIcons.h"
 
 #include <QApplication>
 #include <QImage>

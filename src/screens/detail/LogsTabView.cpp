@@ -45,7 +45,7 @@ LogsTabView::LogsTabView(const Theme& theme, TunnelManager& manager, platform::D
     layout->addWidget(new Divider(theme, this));
     layout->addWidget(pages_, 1);
     logChanged_ = manager.logs().changed.connect([this](const support::Uuid& id) {
-        if (id == tunnelID_) {
+        if (id == tunnelID_ && isVisible()) {
             refreshSoon_.request();
         }
     });
@@ -93,6 +93,15 @@ QWidget* LogsTabView::buildEmptyState() {
 void LogsTabView::setTunnel(const support::Uuid& tunnelID) {
     tunnelID_ = tunnelID;
     refresh();
+}
+
+void LogsTabView::followLines() {
+    autoScroll_->setChecked(true);
+}
+
+void LogsTabView::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    refreshSoon_.request(); // what came while it could not be seen
 }
 
 void LogsTabView::refresh() {

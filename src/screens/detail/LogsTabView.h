@@ -1,5 +1,5 @@
 // A tunnel's log: how many lines, whether the list follows them, a way to empty it, and the lines.
-// Threads: main thread only. A burst of lines is shown in one go.
+// Threads: main thread only. A burst of lines is shown in one go, and none while the tab cannot be seen.
 #pragma once
 
 #include "screens/Coalescer.h"
@@ -23,6 +23,12 @@ public:
 
     // Shows the log of that tunnel.
     void setTunnel(const support::Uuid& tunnelID);
+
+    // Turns on that the list follows new lines, as it does whenever the tab is opened anew.
+    void followLines();
+
+protected:
+    void showEvent(QShowEvent* event) override;
 
 private:
     QWidget* buildHeader();

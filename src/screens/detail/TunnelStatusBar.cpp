@@ -23,31 +23,42 @@ QString portText(const std::string& port) {
 } // namespace
 
 TunnelStatusBar::TunnelStatusBar(const Theme& theme, TunnelManager& manager, TunnelStore& store,
-                                 QWidget* parent)
+                                 const platform::Clock& clock, QWidget* parent)
     : QWidget(parent),
       theme_(theme),
       manager_(manager),
       store_(store),
+      clock_(clock),
       mark_(new StatusMark(theme, this)),
       status_(new ElidedLabel(this)),
+      last_(new ElidedLabel(this)),
       localPort_(new InfoPill(theme, Icon::circleRight, this)),
       remotePort_(new InfoPill(theme, Icon::server, this)),
       button_(new ConnectButton(theme, this)) {
     setObjectName(QStringLiteral("tunnelStatusBar"));
     status_->setObjectName(QStringLiteral("statusText"));
     status_->setFont(theme.font(12, QFont::DemiBold));
+    last_->setObjectName(QStringLiteral("lastConnected"));
+    last_->setFont(theme.monospaced(10));
+    last_->setForegroundRole(QPalette::PlaceholderText);
     localPort_->setObjectName(QStringLiteral("localPortPill"));
     localPort_->setToolTip(QStringLiteral("Local Port"));
     remotePort_->setObjectName(QStringLiteral("remotePortPill"));
     remotePort_->setToolTip(QStringLiteral("Remote Port"));
     connect(button_, &QPushButton::clicked, this, [this] { toggle(); });
 
+    auto* lines = new QVBoxLayout;
+    lines->setSpacing(1);
+    lines->addStretch();
+    lines->addWidget(status_);
+    lines->addWidget(last_);
+    lines->addStretch();
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(grid::kMedium, grid::kMedium, grid::kMedium, grid::kMedium);
     layout->setSpacing(grid::kSmall);
     layout->addWidget(mark_);
     layout->addSpacing(2);
-    layout->addWidget(status_, 1);
+    layout->addLayout(lines, 1);
     layout->addWidget(localPort_);
     layout->addWidget(remotePort_);
     layout->addSpacing(grid::kTight);
@@ -74,6 +85,15 @@ void TunnelStatusBar::refreshStatus() {
                             : QString());
     mark_->setStatus(status);
     button_->setStatus(status);
+    refreshLastConnected();
+}
+
+void TunnelStatusBar::refreshLastConnected() {
+    last_->setVisible(tunnel_.lastConnectedAt.has_value());
+    if (tunnel_.lastConnectedAt) {
+        last_->setText(QStringLiteral("Last: ") +
+                       QString::fromStdString(relative_.text(*tunnel_.lastConnectedAt, clock_.now())));
+    }
 }
 
 void TunnelStatusBar::changeEvent(QEvent* event) {
@@ -81,6 +101,14 @@ void TunnelStatusBar::changeEvent(QEvent* event) {
     if (event->type() == QEvent::PaletteChange) {
         refreshStatus();
     }
+}
+
+bool TunnelStatusBar::event(QEvent* event) {
+    if (event->type() == QEvent::Enter || event->type() == QEvent::WindowActivate ||
+        event->type() == QEvent::Show) {
+        refreshLastConnected();
+    }
+    return QWidget::event(event);
 }
 
 void TunnelStatusBar::toggle() {

@@ -2,10 +2,14 @@
 #pragma once
 
 #include "catalogue/KeyManager.h"
+#include "catalogue/KeychainStore.h"
 #include "catalogue/TagManager.h"
 #include "catalogue/TunnelStore.h"
 #include "platform/Clock.h"
+#include "platform/Dialogs.h"
 #include "platform/Dispatch.h"
+#include "platform/HostEnvironment.h"
+#include "platform/Pasteboard.h"
 #include "screens/theme/Theme.h"
 #include "support/NotificationCenter.h"
 #include "tunnel/TunnelManager.h"
@@ -26,6 +30,10 @@ struct MainWindowContext {
     support::NotificationCenter& notifications;
     platform::Dispatch& dispatch;
     const platform::Clock& clock;
+    const platform::HostEnvironment& host;
+    KeychainStore& keychain;
+    platform::Dialogs& dialogs;
+    platform::Pasteboard& pasteboard;
 
     // Shows the window of proxies and rules, given the id and name of every tunnel. Without it, its button does
     // nothing.

@@ -5,6 +5,7 @@
 #include "screens/theme/StatusColors.h"
 #include "screens/theme/StylePaint.h"
 #include "screens/theme/TagColors.h"
+#include "screens/theme/TypeIcons.h"
 
 #include <QPainter>
 
@@ -30,20 +31,6 @@ constexpr double kTagGroundOpacity = 0.15;
 constexpr double kRowRadius = 8.0;
 
 } // namespace
-
-Icon iconOf(TunnelType type) {
-    switch (type) {
-    case TunnelType::localForward:
-        return Icon::circleRight;
-    case TunnelType::remoteForward:
-        return Icon::circleLeft;
-    case TunnelType::socks5:
-        return Icon::globe;
-    case TunnelType::dynamicForward:
-        break;
-    }
-    return Icon::network;
-}
 
 TunnelRowDelegate::TunnelRowDelegate(const Theme& theme, const TunnelListModel& model, QObject* parent)
     : QStyledItemDelegate(parent),

@@ -10,9 +10,6 @@
 
 namespace fernwick {
 
-// The icon that stands for a kind of forward.
-[[nodiscard]] Icon iconOf(TunnelType type);
-
 class TunnelRowDelegate final : public QStyledItemDelegate {
 public:
     TunnelRowDelegate(const Theme& theme, const TunnelListModel& model, QObject* parent);

@@ -3,6 +3,8 @@
 #include <QPainter>
 #include <QSvgRenderer>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <utility>
 
@@ -16,56 +18,48 @@ namespace fernwick {
 
 namespace {
 
+struct IconFile {
+    Icon icon;
+    const char* name;
+};
+
+constexpr std::array kFiles{IconFile{Icon::plus, "plus"},
+                            IconFile{Icon::magnifier, "magnifier"},
+                            IconFile{Icon::clear, "clear"},
+                            IconFile{Icon::shieldNetwork, "shield-network"},
+                            IconFile{Icon::network, "network"},
+                            IconFile{Icon::networkOff, "network-off"},
+                            IconFile{Icon::globe, "globe"},
+                            IconFile{Icon::circleRight, "circle-right"},
+                            IconFile{Icon::circleLeft, "circle-left"},
+                            IconFile{Icon::server, "server"},
+                            IconFile{Icon::playCircle, "play-circle"},
+                            IconFile{Icon::stopCircle, "stop-circle"},
+                            IconFile{Icon::trash, "trash"},
+                            IconFile{Icon::duplicate, "duplicate"},
+                            IconFile{Icon::terminal, "terminal"},
+                            IconFile{Icon::infoCircle, "info-circle"},
+                            IconFile{Icon::checkCircle, "check-circle"},
+                            IconFile{Icon::warning, "warning"},
+                            IconFile{Icon::crossCircle, "cross-circle"},
+                            IconFile{Icon::sidebar, "sidebar"},
+                            IconFile{Icon::check, "check"},
+                            IconFile{Icon::chevronDown, "chevron-down"},
+                            IconFile{Icon::arrowRight, "arrow-right"},
+                            IconFile{Icon::arrowsSwap, "arrows-swap"},
+                            IconFile{Icon::document, "document"},
+                            IconFile{Icon::gear, "gear"},
+                            IconFile{Icon::key, "key"},
+                            IconFile{Icon::laptop, "laptop"},
+                            IconFile{Icon::lock, "lock"},
+                            IconFile{Icon::note, "note"},
+                            IconFile{Icon::personKey, "person-key"},
+                            IconFile{Icon::sliders, "sliders"},
+                            IconFile{Icon::application, "com.fernwick.Fernwick"}};
+
 QString fileOf(Icon icon) {
-    switch (icon) {
-    case Icon::plus:
-        return QStringLiteral(":/icons/plus.svg");
-    case Icon::magnifier:
-        return QStringLiteral(":/icons/magnifier.svg");
-    case Icon::clear:
-        return QStringLiteral(":/icons/clear.svg");
-    case Icon::shieldNetwork:
-        return QStringLiteral(":/icons/shield-network.svg");
-    case Icon::network:
-        return QStringLiteral(":/icons/network.svg");
-    case Icon::networkOff:
-        return QStringLiteral(":/icons/network-off.svg");
-    case Icon::globe:
-        return QStringLiteral(":/icons/globe.svg");
-    case Icon::circleRight:
-        return QStringLiteral(":/icons/circle-right.svg");
-    case Icon::circleLeft:
-        return QStringLiteral(":/icons/circle-left.svg");
-    case Icon::server:
-        return QStringLiteral(":/icons/server.svg");
-    case Icon::playCircle:
-        return QStringLiteral(":/icons/play-circle.svg");
-    case Icon::stopCircle:
-        return QStringLiteral(":/icons/stop-circle.svg");
-    case Icon::trash:
-        return QStringLiteral(":/icons/trash.svg");
-    case Icon::duplicate:
-        return QStringLiteral(":/icons/duplicate.svg");
-    case Icon::terminal:
-        return QStringLiteral(":/icons/terminal.svg");
-    case Icon::infoCircle:
-        return QStringLiteral(":/icons/info-circle.svg");
-    case Icon::checkCircle:
-        return QStringLiteral(":/icons/check-circle.svg");
-    case Icon::warning:
-        return QStringLiteral(":/icons/warning.svg");
-    case Icon::crossCircle:
-        return QStringLiteral(":/icons/cross-circle.svg");
-    case Icon::sidebar:
-        return QStringLiteral(":/icons/sidebar.svg");
-    case Icon::check:
-        return QStringLiteral(":/icons/check.svg");
-    case Icon::chevronDown:
-        return QStringLiteral(":/icons/chevron-down.svg");
-    case Icon::application:
-        break;
-    }
-    return QStringLiteral(":/icons/com.fernwick.Fernwick.svg");
+    const auto* const found = std::ranges::find(kFiles, icon, &IconFile::icon);
+    return QStringLiteral(":/icons/%1.svg").arg(QLatin1String(found->name));
 }
 
 quint64 keyOf(Icon icon, const QColor& color, int side) {

@@ -35,6 +35,16 @@ enum class Icon {
     sidebar,
     check,
     chevronDown,
+    arrowRight,
+    arrowsSwap,
+    document,
+    gear,
+    key,
+    laptop,
+    lock,
+    note,
+    personKey,
+    sliders,
     application // the application's own mark, which keeps its colours
 };
 

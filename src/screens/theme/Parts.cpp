@@ -24,7 +24,8 @@ public:
         : theme_(theme), icon_(icon), color_(color) {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State /*state*/) override {
-        const QColor color = theme_.colors().*color_;
+        // on the ground of a menu's chosen item
+        const QColor color = mode == QIcon::Selected ? theme_.colors().onAccent : theme_.colors().*color_;
         theme_.icons().paint(*painter, icon_,
                              mode == QIcon::Disabled ? withOpacity(color, kDisabledOpacity) : color, rect,
                              std::min(rect.width(), rect.height()));
@@ -78,7 +79,13 @@ QSize ElidedLabel::minimumSizeHint() const {
 void ElidedLabel::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setPen(palette().color(foregroundRole()));
-    drawLine(painter, contentsRect(), text(),
+    QRect area = contentsRect();
+    if (const int free = area.width() - fontMetrics().horizontalAdvance(text()) - 1; free > 0) {
+        const bool centred = alignment().testFlag(Qt::AlignHCenter);
+        area.adjust(centred ? free / 2 : (alignment().testFlag(Qt::AlignRight) ? free : 0), 0,
+                    centred ? -(free - free / 2) : 0, 0);
+    }
+    drawLine(painter, area, text(),
              testAttribute(Qt::WA_SetLayoutDirection) ? layoutDirection() : Qt::LayoutDirectionAuto);
 }
 

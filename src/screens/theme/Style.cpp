@@ -8,7 +8,9 @@
 #include <QComboBox>
 #include <QMenu>
 #include <QPainter>
+#include <QPlainTextEdit>
 #include <QScrollBar>
+#include <QSlider>
 #include <QStyleOption>
 
 #include <algorithm>
@@ -24,6 +26,7 @@ constexpr int kMenuItemHeight = 26;
 constexpr int kMenuMargin = 5;
 constexpr int kButtonPadding = 14;
 constexpr int kFieldPadding = 6;
+constexpr int kSliderHandle = 18;
 constexpr int kToolTipWakeUp = 600; // milliseconds
 
 QRegion roundedRegion(const QRect& area, int radius) {
@@ -113,7 +116,22 @@ void Style::drawControl(ControlElement element, const QStyleOption* option, QPai
     case CE_MenuItem:
         if (const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
             item != nullptr && item->menuItemType != QStyleOptionMenuItem::SubMenu) {
-            stylepaint::menuItem(*painter, *item, theme_);
+            QStyleOptionMenuItem inset = *item;
+            if (qobject_cast<const QComboBox*>(widget) != nullptr) { // its list has no margin of its own
+                inset.rect.adjust(kMenuMargin, 0, -kMenuMargin, 0);
+            }
+            stylepaint::menuItem(*painter, inset, theme_);
+            return;
+        }
+        break;
+    case CE_ComboBoxLabel:
+        if (const auto* box = qstyleoption_cast<const QStyleOptionComboBox*>(option)) {
+            stylepaint::comboBoxLabel(*painter, *box, colors);
+        }
+        return;
+    case CE_ShapedFrame:
+        if (qobject_cast<const QPlainTextEdit*>(widget) != nullptr) {
+            stylepaint::textField(*painter, *option, colors);
             return;
         }
         break;
@@ -143,6 +161,13 @@ void Style::drawComplexControl(ComplexControl control, const QStyleOptionComplex
     if (control == CC_ComboBox) {
         if (const auto* box = qstyleoption_cast<const QStyleOptionComboBox*>(option)) {
             stylepaint::comboBox(*painter, *box, theme_);
+            return;
+        }
+    }
+    if (control == CC_Slider) {
+        if (const auto* slider = qstyleoption_cast<const QStyleOptionSlider*>(option)) {
+            const QRect handle = subControlRect(CC_Slider, option, SC_SliderHandle, widget);
+            stylepaint::slider(*painter, *slider, QRectF(handle), theme_.colors());
             return;
         }
     }
@@ -238,6 +263,9 @@ int Style::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWi
     case PM_ExclusiveIndicatorWidth:
     case PM_ExclusiveIndicatorHeight:
         return kIndicatorSize;
+    case PM_SliderThickness:
+    case PM_SliderLength:
+        return kSliderHandle;
     case PM_ToolTipLabelFrameWidth:
         return grid::kTight + 1;
     default:
@@ -259,8 +287,11 @@ int Style::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* 
     case SH_ToolTip_Mask:
     case SH_EtchDisabledText:
     case SH_DitherDisabledText:
-    case SH_ComboBox_Popup:
         return 0;
+    case SH_ComboBox_Popup: // the list of a combo box looks like a menu
+        return 1;
+    case SH_Slider_AbsoluteSetButtons:
+        return Qt::LeftButton;
     case SH_ToolTip_WakeUpDelay:
         return kToolTipWakeUp;
     case SH_MenuBar_MouseTracking:
@@ -274,7 +305,7 @@ int Style::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* 
 void Style::polish(QWidget* widget) {
     QProxyStyle::polish(widget);
     if (qobject_cast<QScrollBar*>(widget) != nullptr || qobject_cast<QAbstractButton*>(widget) != nullptr ||
-        qobject_cast<QComboBox*>(widget) != nullptr) {
+        qobject_cast<QComboBox*>(widget) != nullptr || qobject_cast<QSlider*>(widget) != nullptr) {
         widget->setAttribute(Qt::WA_Hover);
     }
     if (qobject_cast<QScrollBar*>(widget) != nullptr) {

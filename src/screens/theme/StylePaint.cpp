@@ -15,6 +15,9 @@ constexpr double kFocusWidth = 2.0;
 constexpr double kDisabledOpacity = 0.45;
 constexpr double kIndicatorRadius = 4.0;
 constexpr int kCheckSize = 14;
+constexpr int kLabelPadding = 10;
+constexpr double kGrooveHeight = 4.0;
+constexpr int kKnobEdgeAlpha = 56; // the shadow's line around a knob, in both appearances
 
 bool has(const QStyleOption& option, QStyle::StateFlag flag) {
     return option.state.testFlag(flag);
@@ -180,6 +183,48 @@ void comboBox(QPainter& painter, const QStyleOptionComboBox& option, const Theme
     const QRectF arrow(mirrored ? area.left() : area.right() - grid::kExtraLarge, area.top(), grid::kExtraLarge,
                        area.height());
     theme.icons().paint(painter, Icon::chevronDown, colors.secondary, arrow, kCheckSize);
+    painter.restore();
+}
+
+void comboBoxLabel(QPainter& painter, const QStyleOptionComboBox& option, const Palette& colors) {
+    painter.save();
+    const bool mirrored = option.direction == Qt::RightToLeft;
+    QRect area = option.rect.adjusted(kLabelPadding, 0, -grid::kExtraLarge, 0);
+    if (!option.currentIcon.isNull()) {
+        const int side = option.iconSize.width();
+        const QRect icon(area.left(), area.center().y() - side / 2 + 1, side, side);
+        option.currentIcon.paint(&painter, QStyle::visualRect(option.direction, option.rect, icon),
+                                 Qt::AlignCenter,
+                                 has(option, QStyle::State_Enabled) ? QIcon::Normal : QIcon::Disabled);
+        area.setLeft(icon.right() + 1 + grid::kSmall);
+    }
+    painter.setPen(withOpacity(colors.text, has(option, QStyle::State_Enabled) ? 1.0 : kDisabledOpacity));
+    const auto side = Qt::AlignVCenter | Qt::AlignAbsolute | (mirrored ? Qt::AlignRight : Qt::AlignLeft);
+    painter.drawText(QStyle::visualRect(option.direction, option.rect, area), static_cast<int>(side.toInt()),
+                     option.fontMetrics.elidedText(option.currentText, Qt::ElideRight, area.width()));
+    painter.restore();
+}
+
+void slider(QPainter& painter, const QStyleOptionSlider& option, const QRectF& handle, const Palette& colors) {
+    painter.save();
+    painter.setOpacity(has(option, QStyle::State_Enabled) ? 1.0 : kDisabledOpacity);
+    const QRectF area(option.rect);
+    const QRectF groove(area.left() + 1, handle.center().y() - kGrooveHeight / 2, area.width() - 2,
+                        kGrooveHeight);
+    roundedBox(painter, groove, colors.pressed, Qt::transparent, kGrooveHeight / 2);
+    QRectF filled = groove;
+    if (option.upsideDown) {
+        filled.setLeft(handle.center().x());
+    } else {
+        filled.setRight(handle.center().x());
+    }
+    roundedBox(painter, filled, colors.accent, Qt::transparent, kGrooveHeight / 2);
+    const QRectF knob = handle.adjusted(2, 2, -2, -2);
+    roundedBox(painter, knob, colors.onAccent, QColor(0, 0, 0, kKnobEdgeAlpha), knob.height() / 2);
+    roundedBox(painter, knob, shade(option, colors), Qt::transparent, knob.height() / 2);
+    if (showsFocus(option)) {
+        focusRing(painter, handle, colors.accent, handle.height() / 2);
+    }
     painter.restore();
 }
 

@@ -34,6 +34,8 @@ void textField(QPainter& painter, const QStyleOption& option, const Palette& col
 void checkBox(QPainter& painter, const QStyleOption& option, const Theme& theme);
 void radioButton(QPainter& painter, const QStyleOption& option, const Palette& colors);
 void comboBox(QPainter& painter, const QStyleOptionComboBox& option, const Theme& theme);
+void comboBoxLabel(QPainter& painter, const QStyleOptionComboBox& option, const Palette& colors);
+void slider(QPainter& painter, const QStyleOptionSlider& option, const QRectF& handle, const Palette& colors);
 void menuPanel(QPainter& painter, const QStyleOption& option, const Palette& colors);
 void menuItem(QPainter& painter, const QStyleOptionMenuItem& option, const Theme& theme);
 void menuBarItem(QPainter& painter, const QStyleOptionMenuItem& option, const Palette& colors);

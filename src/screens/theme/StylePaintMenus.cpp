@@ -12,6 +12,7 @@ namespace {
 constexpr double kItemRadius = 5.0;
 constexpr int kMarkWidth = 20;
 constexpr int kMarkSize = 14;
+constexpr int kIconSize = 16;
 constexpr double kDisabledOpacity = 0.4;
 constexpr double kHandleOpacity = 0.28;
 constexpr double kHandleHoverOpacity = 0.5;
@@ -27,16 +28,31 @@ void separator(QPainter& painter, const QStyleOptionMenuItem& option, const Pale
         colors.separator);
 }
 
-void itemMark(QPainter& painter, const QStyleOptionMenuItem& option, const QColor& color, const Theme& theme) {
-    const bool mirrored = option.direction == Qt::RightToLeft;
-    const int left =
-        mirrored ? option.rect.right() - kMarkWidth - grid::kTight : option.rect.left() + grid::kTight;
-    const QRect area(left, option.rect.top(), kMarkWidth, option.rect.height());
-    if (option.checked) {
-        theme.icons().paint(painter, Icon::check, color, area, kMarkSize);
-    } else if (!option.icon.isNull()) {
-        option.icon.paint(&painter, area, Qt::AlignCenter);
+// A column for the check mark, then one for the icon; each is there only if the menu has such items.
+int itemMarks(QPainter& painter, const QStyleOptionMenuItem& option, const QColor& color, const Theme& theme) {
+    int lead = grid::kTight;
+    const auto column = [&] {
+        const QRect area(option.rect.left() + lead, option.rect.top(), kMarkWidth, option.rect.height());
+        lead += kMarkWidth;
+        return QStyle::visualRect(option.direction, option.rect, area);
+    };
+    if (option.menuHasCheckableItems || option.checkType != QStyleOptionMenuItem::NotCheckable) {
+        const QRect area = column();
+        if (option.checked) {
+            theme.icons().paint(painter, Icon::check, color, area, kMarkSize);
+        }
     }
+    if (option.maxIconWidth > 0) {
+        const QRect area = column();
+        if (!option.icon.isNull()) {
+            const QRect icon(area.center().x() - kIconSize / 2 + 1, area.center().y() - kIconSize / 2 + 1,
+                             kIconSize, kIconSize);
+            const bool enabled = has(option, QStyle::State_Enabled);
+            const QIcon::Mode chosen = has(option, QStyle::State_Selected) ? QIcon::Selected : QIcon::Normal;
+            option.icon.paint(&painter, icon, Qt::AlignCenter, enabled ? chosen : QIcon::Disabled);
+        }
+    }
+    return lead == grid::kTight ? grid::kSmall + 2 : lead + 2;
 }
 
 } // namespace
@@ -59,11 +75,7 @@ void menuItem(QPainter& painter, const QStyleOptionMenuItem& option, const Theme
         roundedBox(painter, QRectF(option.rect), colors.accent, Qt::transparent, kItemRadius);
     }
     const QColor color = chosen ? colors.onAccent : withOpacity(colors.text, enabled ? 1.0 : kDisabledOpacity);
-    const bool marked = option.menuHasCheckableItems || option.maxIconWidth > 0;
-    if (marked) {
-        itemMark(painter, option, color, theme);
-    }
-    const int lead = grid::kSmall + 2 + (marked ? kMarkWidth - grid::kTight : 0);
+    const int lead = itemMarks(painter, option, color, theme);
     const bool mirrored = option.direction == Qt::RightToLeft;
     const QRect area =
         option.rect.adjusted(mirrored ? grid::kMedium : lead, 0, mirrored ? -lead : -grid::kMedium, 0);

@@ -81,7 +81,11 @@ void Theme::setAppearance(Appearance appearance) {
 }
 
 void Theme::apply() {
-    QApplication::setPalette(toolkitPalette(colors_));
+    QPalette palette = toolkitPalette(colors_);
+    QApplication::setPalette(palette);
+    // In a field that role is what it is called after.
+    palette.setColor(QPalette::PlaceholderText, colors_.placeholder);
+    QApplication::setPalette(palette, "QLineEdit");
 }
 
 int Theme::pixels(double points) const {
