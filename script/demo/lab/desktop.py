@@ -64,8 +64,11 @@ class Desktop:
 
     def _start_bus(self) -> str:
         read, write = os.pipe()
+        # What the bus starts (a keyring's prompter) keeps away from accessibility: libatspi, which drives our window,
+        # can lock itself up when another program comes there.
         self.session.start(["dbus-daemon", "--session", "--nofork", "--nopidfile", f"--print-address={write}",
-                            f"--address=unix:path={self.session.run}/bus"], pass_fds=(write,))
+                            f"--address=unix:path={self.session.run}/bus"],
+                           environment=self.session.environment | {"NO_AT_BRIDGE": "1"}, pass_fds=(write,))
         return _first_line(read, write, "the session bus")
 
     def _start_accessibility(self) -> str:
