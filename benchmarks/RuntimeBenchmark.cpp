@@ -4,6 +4,7 @@
 #include "SampleCatalogue.h"
 #include "catalogue/KeyManager.h"
 #include "catalogue/TagManager.h"
+#include "platform/NoKeychain.h"
 #include "platform/posix/FileUserDefaults.h"
 #include "platform/posix/PosixHostEnvironment.h"
 #include "platform/posix/PosixProcesses.h"
@@ -11,6 +12,7 @@
 #include "platform/qt/QtDispatch.h"
 #include "screens/main/MainWindow.h"
 #include "screens/theme/Theme.h"
+#include "support/FakePlatform.h"
 #include "support/NotificationCenter.h"
 #include "support/RecordWriter.h"
 #include "tunnel/TunnelManager.h"
@@ -92,7 +94,23 @@ struct World {
     TunnelManager tunnels{{dispatch, clock, processes, host, *defaults, notifications, routing}};
     KeyManager keys{*defaults};
     TagManager tags{*defaults};
-    MainWindow window{{theme, store, tunnels, keys, tags, notifications, dispatch, clock, {}}};
+    platform::NoKeychain noKeychain;
+    KeychainStore keychain{noKeychain};
+    fakes::FakeDialogs dialogs;
+    fakes::FakePasteboard pasteboard;
+    MainWindow window{{theme,
+                       store,
+                       tunnels,
+                       keys,
+                       tags,
+                       notifications,
+                       dispatch,
+                       clock,
+                       host,
+                       keychain,
+                       dialogs,
+                       pasteboard,
+                       {}}};
 };
 
 // The longest time in which the main thread answered nobody, in milliseconds.
