@@ -45,6 +45,7 @@ class Flood(SystemTest):
         app = self.begin(self.program("flood", f"seq -f 'debug1: line %.0f' {LINES} >&2", "exec sleep 600"),
                          stored.tunnel("Flood"))
         app.select("Flood")
+        app.turn_to("Logs")
         before, began = resident(app.pid), time.monotonic()
         app.press("Connect")
         log, slowest, last = app.find("Logs", "list"), 0.0, ""

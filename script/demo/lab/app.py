@@ -12,7 +12,7 @@ from pathlib import Path
 from lab.desktop import Desktop
 from lab.namespace import NESTED
 from lab.preferences import Preferences
-from lab.screen import Screen, Widget, selected, walk
+from lab.screen import Screen, Widget, act, checked, selected, walk
 from lab.session import POWERLESS, Session, descendants, program_name
 from lab.waiting import wait_for, wait_until
 
@@ -116,8 +116,16 @@ class App(Screen):
         names = [rows.get_child_at_index(index).get_name() for index in range(rows.get_child_count())]
         return {_title(name): _state(name) for name in names}
 
+    def turn_to(self, tab: str) -> None:
+        """Opens a tab of the detail column: Configuration, Advanced or Logs."""
+        button = self.find(tab, "radio button")
+        if not checked(button):
+            act(button)
+            wait_until(lambda: checked(button), f"the tab {tab!r} is open")
+
     def log(self) -> list[str]:
-        """The messages in the log of the selected tunnel that are on the screen, or near it."""
+        """The messages in the log of the selected tunnel that are on the screen, or near it; opens its tab."""
+        self.turn_to("Logs")
         lists = self.all("Logs", "list")
         return [row.get_name() for row in walk(lists[0]) if row.get_role_name() == "list item"] if lists else []
 
@@ -125,8 +133,9 @@ class App(Screen):
         """Fills the sheet that makes a tunnel, and confirms it; `fields` are name, host, user and port."""
         labels = {"name": "Tunnel Name", "host": "Host / IP", "user": "Username", "port": "Local Port"}
         self.press("Add new tunnel")
+        sheet = self.find("New Tunnel", "dialog")
         for field, text in fields.items():
-            self.type(labels[field], text)
+            self.type(labels[field], text, sheet)
         self.press("Create Tunnel")
         self.gone("Create Tunnel")
 

@@ -55,6 +55,14 @@ class Screen:
         """Waits until no such widget is on the screen."""
         wait_until(lambda: not self.has(name, role), f"{name!r} leaves the screen", deadline)
 
+    def menus(self, label: str) -> list[Widget]:
+        """The choice menus on the screen with that label; a menu's own name is the choice that it shows."""
+        return [node for node in self.all(role="combo box") if label in labels_of(node)]
+
+    def find_menu(self, label: str) -> Widget:
+        """The first choice menu with that label; waits for it to appear."""
+        return wait_until(lambda: self.menus(label), f"a menu {label!r} is on the screen", 5.0)[0]
+
     def press(self, name: str, role: str | None = "push button", under: Widget = None) -> None:
         """Presses a button, or toggles a check box, by its accessibility action."""
         widget = self.find(name, role, under)
@@ -112,6 +120,13 @@ def selected(node: Widget) -> bool:
 def checked(node: Widget) -> bool:
     """Whether a check box or a toggle button is on."""
     return bool(node.get_state_set().contains(_atspi().StateType.CHECKED))
+
+
+def labels_of(node: Widget) -> list[str]:
+    """What the labels of a widget say."""
+    relations = [each for each in node.get_relation_set()
+                 if each.get_relation_type() == _atspi().RelationType.LABELLED_BY]
+    return [each.get_target(index).get_name() for each in relations for index in range(each.get_n_targets())]
 
 
 def act(widget: Widget, action: str = "") -> None:

@@ -33,16 +33,6 @@ constexpr std::array kTypes{TunnelType::localForward, TunnelType::remoteForward,
 constexpr std::array kAuthMethods{AuthMethod::password, AuthMethod::privateKey, AuthMethod::agent};
 constexpr std::array kAuthIcons{Icon::lock, Icon::key, Icon::personKey};
 
-// A control that keeps its width, at the leading edge of its row.
-QWidget* leading(QWidget* control) {
-    auto* line = new QWidget;
-    auto* layout = new QHBoxLayout(line);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(control);
-    layout->addStretch();
-    return line;
-}
-
 template <class Value>
 QString labelOf(Value value) {
     const std::string_view text = support::toRawText(value);
@@ -80,7 +70,7 @@ void ConfigTabView::buildGeneral() {
     for (const TunnelType type : kTypes) {
         type_->addChoice(iconOf(type), labelOf(type));
     }
-    addControl(section, QStringLiteral("Type"), leading(type_), type_);
+    addControl(section, QStringLiteral("Type"), type_);
     tags_ = new TagPicker(
         context_.theme, context_.tags,
         [this](const support::Uuid& id) {
@@ -115,7 +105,7 @@ void ConfigTabView::buildAuthentication(FormSection& section) {
     for (std::size_t at = 0; at < kAuthMethods.size(); ++at) {
         authMethod_->addChoice(kAuthIcons.at(at), labelOf(kAuthMethods.at(at)));
     }
-    addControl(section, QStringLiteral("Auth Method"), leading(authMethod_), authMethod_);
+    addControl(section, QStringLiteral("Auth Method"), authMethod_);
     keyPicker_ = new InlineKeyPickerView(context_, binding_, this);
     keyRow_ = addControl(section, QStringLiteral("Identity Key"), keyPicker_, keyPicker_->menu());
     password_ = new PasswordField(context_.theme, context_.keychain, this);
@@ -159,12 +149,10 @@ TextField* ConfigTabView::addText(FormSection& section, const Row& row) {
         [this, text = row.text](std::string edited) { binding_.write(text, std::move(edited)); }, this);
     field->setObjectName(QString::fromLatin1(row.objectName));
     field->setPlaceholderText(row.placeholder);
-    QWidget* content = field;
     if (row.width > 0) {
         field->setFixedWidth(row.width);
-        content = leading(field);
     }
-    texts_.push_back({field, row.text, addControl(section, row.label, content, field)});
+    texts_.push_back({field, row.text, addControl(section, row.label, field)});
     return field;
 }
 

@@ -31,13 +31,21 @@ LabeledField::LabeledField(const Theme& theme, const QString& label, QWidget* co
     auto* named = control != nullptr ? control : content;
     named->setAccessibleName(label);
     name_->setBuddy(named);
+    if (named->parentWidget() != this) {
+        // Assistive technology looks for the label of a menu only beside it.
+        auto* aloud = new QLabel(label, named->parentWidget());
+        aloud->setBuddy(named);
+        aloud->hide();
+    }
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(grid::kMedium);
     if (caption.isEmpty()) {
         name_->setFixedSize(labelWidth(*name_), lineHeight(*name_));
         row->addWidget(name_, 0, Qt::AlignTop);
-        row->addWidget(content, 1);
+        const bool narrow = content->maximumWidth() < QWIDGETSIZE_MAX;
+        row->addWidget(content, narrow ? 0 : 1);
+        row->addStretch(narrow ? 1 : 0);
         return;
     }
     name_->setForegroundRole(QPalette::WindowText); // the caption is what stands back

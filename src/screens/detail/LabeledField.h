@@ -11,8 +11,8 @@ namespace fernwick {
 
 class LabeledField final : public QWidget {
 public:
-    // Takes the content over. `control` is what the label names: by default the content itself. A caption, if
-    // there is one, stands under the label.
+    // Takes the content over; it fills the row unless its width is fixed. `control` is what the label names: by
+    // default the content itself. A caption, if there is one, stands under the label.
     LabeledField(const Theme& theme, const QString& label, QWidget* content, QWidget* parent,
                  QWidget* control = nullptr, const QString& caption = {});
 
