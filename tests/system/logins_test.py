@@ -33,6 +33,12 @@ class Logins(SshTest):
         super().setUpClass()
         cls.keyring = Keyring(cls.session, cls.desktop)
 
+    def setUp(self) -> None:
+        """Begins without the scripts of the cases before."""
+        super().setUp()
+        for script in self.scripts():
+            script.unlink()
+
     def record(self, name: str, **fields: object) -> stored.Record:
         """A forward to the site behind the server."""
         return self.tunnel(name, localPort=str(free_port()), remoteHost=site.NAME,
@@ -164,8 +170,6 @@ class Logins(SshTest):
     def test_script_is_its_owners_alone_and_gone_after_thirty_seconds(self) -> None:
         secret = "a secret of this very case"
         self.lab.set_password(secret)
-        for script in self.scripts():
-            script.unlink()
         record = self.by_password("Short life", secret)
         app = self.pressed(record)
         wait_until(self.scripts, "the script lies there")
@@ -177,11 +181,30 @@ class Logins(SshTest):
         self.assert_carries(app, record)
         wait_until(lambda: not self.scripts(), "the script is gone", 40)
         self.assertGreater(time.monotonic() - made, 28)
+        self.assert_nowhere_on_disk(secret)
+
+    def assert_nowhere_on_disk(self, secret: str) -> None:
+        """No file of the home folder or of the temporary one holds the secret, in clear or encoded."""
         for folder in (self.session.home, Path(self.session.environment["TMPDIR"])):
             for path in (entry for entry in folder.rglob("*") if entry.is_file()):
                 held = path.read_bytes()
                 self.assertNotIn(secret.encode(), held, path)
-                self.assertNotIn(text.encode(), held, path)
+                self.assertNotIn(base64.b64encode(secret.encode()), held, path)
+
+    def test_password_typed_in_the_window_goes_to_the_keyring_alone(self) -> None:
+        secret = "gõ vào cửa sổ $1"
+        record = self.by_password("Typed", None)
+        app = self.start(record)
+        app.select("Typed")
+        app.type("SSH Password", secret)
+        wait_until(lambda: self.keyring.lookup(TUNNEL_PASSWORD, record["id"]) == secret, "the keyring has it")
+        self.assert_nowhere_on_disk(secret)
+        self.lab.set_password(secret)
+        app.press("Connect")
+        self.assert_carries(app, record)
+        app.turn_to("Configuration")
+        app.type("SSH Password", "")
+        wait_until(lambda: self.keyring.lookup(TUNNEL_PASSWORD, record["id"]) is None, "the keyring forgot it")
 
 
 if __name__ == "__main__":

@@ -70,8 +70,10 @@ class Screen:
         act(widget)
 
     def type(self, field: str, text: str, under: Widget = None) -> None:
-        """Replaces the text of the entry with that name."""
-        entry = self.find(field, "text", under)
+        """Replaces the text of the entry with that name, a masked one included."""
+        def look() -> list[Widget]:
+            return [*self.all(field, "text", under), *self.all(field, "password text", under)]
+        entry = wait_until(look, f"an entry {field!r} is on the screen", 5.0)[0]
         assert entry.get_editable_text_iface().set_text_contents(text), f"the field {field!r} takes no text"
 
     def texts(self, under: Widget = None) -> list[str]:

@@ -31,21 +31,25 @@ class Server:
     authorized: Path
     host_key: Path
     process: subprocess.Popen[bytes] | None = None
+    inside: Sequence[str] = ()  # the command by way of which it runs, in another network namespace perhaps
+    address: str = "127.0.0.1"
 
     def start(self) -> None:
         """Starts the server and waits until it accepts connections."""
         config = self.folder / "sshd_config"
         config.write_text(
-            f"Port {self.port}\nAddressFamily inet\nListenAddress 127.0.0.1\nHostKey {self.host_key}\n"
+            f"Port {self.port}\nAddressFamily inet\nListenAddress {self.address}\nHostKey {self.host_key}\n"
             f"PidFile {self.folder}/pid\nAuthorizedKeysFile {self.authorized}\n"
             "StrictModes no\nUsePAM no\nPasswordAuthentication yes\nKbdInteractiveAuthentication no\n"
             "PermitRootLogin yes\nUseDNS no\nLogLevel VERBOSE\nPrintMotd no\n"
             "MaxStartups 300:30:300\n")
         inside = self.folder / "inside.sh"
         inside.write_text(_inside_script(self.folder, config))
+        begun = len(self.log())
         with open(self.folder / "log", "ab") as log:
-            self.process = self.session.start([*namespace.NESTED, "sh", inside], stderr=log)
-        wait_until(lambda: listens(self.port) or self.process.poll() is not None, "the ssh server listens or ends")
+            self.process = self.session.start([*self.inside, *namespace.NESTED, "sh", inside], stderr=log)
+        wait_until(lambda: "Server listening" in self.log()[begun:] or self.process.poll() is not None,
+                   "the ssh server listens or ends")
         if self.process.poll() is not None:
             raise ChildProcessError(f"the ssh server ended with {self.process.returncode}: {self.log()[-400:]}")
 
@@ -85,8 +89,8 @@ class SshLab:
         self.authorized.write_text(self.key.with_suffix(".pub").read_text())
         self.site_port = free_port(_SITE_ADDRESS)
         start_site(session, self.site_port, _SITE_ADDRESS)
-        self.server = self._server("server")
-        self.jump = self._server("jump")
+        self.server = self.add_server("server")
+        self.jump = self.add_server("jump")
         self._write_user_config()
 
     def make_key(self, name: str, passphrase: str = "") -> Path:
@@ -115,11 +119,13 @@ class SshLab:
         self.session.environment["SSH_AUTH_SOCK"] = str(agent)
         subprocess.run(["ssh-add", "-q", self.key], env=self.session.environment, check=True)
 
-    def _server(self, name: str) -> Server:
+    def add_server(self, name: str, *, inside: Sequence[str] = (), address: str = "127.0.0.1") -> Server:
+        """Starts one more server, which lets the same key in; by way of a command, on an address of that place."""
         folder = self.folder / name
-        folder.mkdir()
+        folder.mkdir(exist_ok=True)
         (folder / "hosts").write_text(f"127.0.0.1 localhost\n{_SITE_ADDRESS} {site.NAME}\n")
-        server = Server(self.session, folder, free_port(), self.authorized, self.host_key)
+        server = Server(self.session, folder, free_port(), self.authorized, self.host_key, inside=inside,
+                        address=address)
         server.set_password_hash(self.user, "*")
         server.start()
         return server
