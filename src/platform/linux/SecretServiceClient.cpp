@@ -173,6 +173,10 @@ std::expected<void, KeyringFailure> SecretServiceClient::connect() {
     if (!connection->bus) {
         return std::unexpected(failureOf(error));
     }
+    // GLib hands out the connection that it has as long as anybody in the process holds it.
+    if (g_dbus_connection_is_closed(connection->bus.get()) != FALSE) {
+        return std::unexpected(KeyringFailure::unreachable);
+    }
     // GLib would end the process with the bus.
     g_dbus_connection_set_exit_on_close(connection->bus.get(), FALSE);
     connection->service.reset(secret_service_open_sync(
