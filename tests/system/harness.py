@@ -62,6 +62,10 @@ class SystemTest(unittest.TestCase):
         app.quit()
         self.no_child_left()
 
+    def said(self, app: App, begin: str, deadline: float = 10.0) -> None:
+        """Waits for a line of the log that begins so."""
+        wait_until(lambda: any(line.startswith(begin) for line in app.log()), f"the log says {begin!r}", deadline)
+
     def no_child_left(self) -> None:
         """Waits until no ssh of this run is alive."""
         wait_until(lambda: not self.session.processes("ssh"), "the ssh children end")
