@@ -101,6 +101,11 @@ def runtime(report: Report, _check: bool) -> None:
     report.line("100,000 lines of a child: lines kept", figures["flood"]["lines"], "", 500)
     report.line("100,000 lines of a child: memory grown", figures["flood"]["grownKibibytes"] / 1024, "MiB", 12)
     report.line("a keystroke among 10,000 tunnels: median", figures["keystroke"]["median"], "ms", FRAME)
+    stuck = figures["stuckDisk"]
+    report.line("20 keystrokes, the disk stuck: longest", stuck["longest"], "ms", FRAME)
+    report.line("20 keystrokes, the disk stuck: memory grown", stuck["grownKibibytes"] / 1024, "MiB", 16)
+    report.line("20 keystrokes, the disk stuck: writes once it works", stuck["writes"], "", 2)
+    report.line("20 keystrokes, the disk stuck: last state stored", float(stuck["complete"]), "", 1, True)
 
 
 def start(report: Report, check: bool) -> None:
