@@ -1,8 +1,9 @@
 // How the whole application behaves under load, with real children and its window open: two hundred tunnels at
-// once, a child that floods its standard error, and a keystroke's save of ten thousand tunnels. Prints one JSON
-// object.
+// once, a child that floods its standard error, and a keystroke's save of ten thousand tunnels, on a disk that
+// works and on one that is stuck. Prints one JSON object.
 #include "SampleCatalogue.h"
 #include "catalogue/KeyManager.h"
+#include "catalogue/StoredList.h"
 #include "catalogue/TagManager.h"
 #include "platform/posix/FileUserDefaults.h"
 #include "platform/posix/PosixHostEnvironment.h"
@@ -14,6 +15,8 @@
 #include "support/NotificationCenter.h"
 #include "support/QuietPlatform.h"
 #include "support/RecordWriter.h"
+#include "support/StuckDisk.h"
+#include "support/WaitUntil.h"
 #include "tunnel/TunnelManager.h"
 
 #include <QApplication>
@@ -30,6 +33,7 @@ namespace fernwick {
 namespace {
 
 constexpr int kTunnels = 200;
+constexpr std::string_view kDomain = "com.fernwick.Benchmark";
 constexpr std::string_view kFlood = "seq -f 'line %06g: what a talkative child says, about ninety characters "
                                     "of it, over and over again' 100000 >&2; "
                                     "exec sleep 60";
@@ -86,7 +90,7 @@ struct World {
     platform::PosixProcesses realProcesses{dispatch, launcher};
     StandInProcesses processes{realProcesses};
     platform::FileUserDefaultsProvider provider{dispatch, host};
-    std::unique_ptr<platform::UserDefaults> defaults = provider.open("com.fernwick.Benchmark");
+    std::unique_ptr<platform::UserDefaults> defaults = provider.open(kDomain);
     support::NotificationCenter notifications;
     NoRouting routing;
     TunnelStore store{*defaults, clock};
@@ -179,15 +183,20 @@ void floodOneLog(Theme& theme) {
     world.tunnels.killAllOnQuit();
 }
 
-void typeIntoLargeCatalogue(Theme& theme) {
-    constexpr int kKeystrokes = 30;
-    World world(theme, {});
+// Shows ten thousand tunnels, which are on disk when it returns.
+void fill(World& world) {
     world.defaults->set(TunnelStore::kDefaultsKey,
                         {platform::Data(*support::encodeList(benchmarks::sampleTunnels(10000, "Tunnel")))});
     world.store.reload();
     QCoreApplication::processEvents();
+    world.defaults->synchronize();
+}
+
+// Types into the name of one tunnel; the milliseconds that each keystroke held the main thread, the shortest
+// first.
+std::vector<double> type(World& world, int keystrokes) {
     std::vector<double> turns;
-    for (int key = 0; key < kKeystrokes; ++key) {
+    for (int key = 0; key < keystrokes; ++key) {
         auto tunnel = world.store.tunnels()[5000];
         tunnel.name += "x";
         QElapsedTimer elapsed;
@@ -197,7 +206,37 @@ void typeIntoLargeCatalogue(Theme& theme) {
         turns.push_back(static_cast<double>(elapsed.nsecsElapsed()) / 1e6);
     }
     std::ranges::sort(turns);
-    std::printf(R"("keystroke":{"median":%.2f,"longest":%.2f})", turns[kKeystrokes / 2], turns.back());
+    return turns;
+}
+
+void typeIntoLargeCatalogue(Theme& theme) {
+    constexpr int kKeystrokes = 30;
+    World world(theme, {});
+    fill(world);
+    const auto turns = type(world, kKeystrokes);
+    std::printf(R"("keystroke":{"median":%.2f,"longest":%.2f},)", turns[kKeystrokes / 2], turns.back());
+}
+
+// The first keystroke's write gets stuck, and all the others are typed before the disk works again.
+void typeWithStuckDisk(Theme& theme) {
+    constexpr int kKeystrokes = 20;
+    World world(theme, {});
+    fill(world);
+    fakes::StuckDisk disk;
+    type(world, 1);
+    const bool stuck = fakes::waitUntil([&] { return disk.holdsSomeone(); });
+    const long before = residentKibibytes();
+    const auto turns = type(world, kKeystrokes);
+    const long grown = residentKibibytes() - before;
+    const bool stillStuck = stuck && disk.holdsSomeone();
+    disk.release();
+    world.defaults->synchronize();
+    const auto stored = readStoredList<Tunnel>(*world.provider.open(kDomain), TunnelStore::kDefaultsKey);
+    const bool complete = stillStuck && stored == world.store.tunnels();
+    constexpr int kSyncsOfAWrite = 2; // of the file and of its folder
+    std::printf(R"("stuckDisk":{"median":%.2f,"longest":%.2f,"grownKibibytes":%ld,"writes":%d,"complete":%s})",
+                turns[kKeystrokes / 2], turns.back(), grown, disk.syncs() / kSyncsOfAWrite,
+                complete ? "true" : "false");
 }
 
 } // namespace
@@ -214,6 +253,7 @@ int main(int argc, char** argv) {
     fernwick::connectAllAtOnce(theme);
     fernwick::floodOneLog(theme);
     fernwick::typeIntoLargeCatalogue(theme);
+    fernwick::typeWithStuckDisk(theme);
     std::printf("}\n");
     return 0;
 }

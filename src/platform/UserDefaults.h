@@ -30,7 +30,8 @@ public:
     // The keys that have a value, sorted.
     [[nodiscard]] virtual std::vector<std::string> keys() const = 0;
 
-    // Waits until everything that was set before the call is on disk, or could not be written.
+    // Waits until everything that was set before the call is on disk, or could not be written; while the disk
+    // is stuck, for as long as it is.
     virtual void synchronize() = 0;
 
     // The bytes under the key; absent when there is no value or it is of another type.

@@ -21,14 +21,12 @@ public:
     [[nodiscard]] bool change(std::string_view key, std::optional<PropertyValue> value) {
         const std::lock_guard lock(mutex_);
         const auto found = values_.find(key);
-        if (found != values_.end()) {
-            // Freeing megabytes takes its time; the writer has it.
-            replaced_.push_back(std::move(found->second));
-        }
         if (!value) {
             values_.erase(found);
         } else if (found != values_.end()) {
-            found->second = std::move(*value);
+            // The old one goes with the argument: at once, since a disk that is stuck would let them pile up
+            // with the writer, and after the lock.
+            std::swap(found->second, *value);
         } else {
             values_.emplace(key, std::move(*value));
         }
@@ -37,12 +35,10 @@ public:
 
     // Writes the newest state. On the serial queue.
     void write() {
-        std::vector<PropertyValue> replaced;
         PropertyDictionary newest;
         {
             const std::lock_guard lock(mutex_);
             queued_ = false;
-            replaced.swap(replaced_);
             newest = values_;
         }
         file_.write(newest);
@@ -52,7 +48,6 @@ private:
     PreferenceFile file_; // used by the serial queue once it was read
     std::mutex mutex_;    // guards what follows against the serial queue
     PropertyDictionary values_;
-    std::vector<PropertyValue> replaced_;
     bool queued_ = false;
 };
 

@@ -2,6 +2,7 @@
 
 #include "screens/theme/ButtonRole.h"
 #include "screens/theme/Grid.h"
+#include "screens/theme/Parts.h"
 #include "screens/theme/StylePaint.h"
 #include "screens/theme/Theme.h"
 
@@ -234,6 +235,14 @@ QSize Style::sizeFromContents(ContentsType type, const QStyleOption* option, con
     default:
         return QProxyStyle::sizeFromContents(type, option, size, widget);
     }
+}
+
+QIcon Style::standardIcon(StandardPixmap icon, const QStyleOption* option, const QWidget* widget) const {
+    // Every menu bar asks for the mark of a bar that is too narrow, and the toolkit's comes from several files.
+    if (icon == SP_ToolBarHorizontalExtensionButton || icon == SP_ToolBarVerticalExtensionButton) {
+        return themedIcon(theme_, Icon::chevronDown, &Palette::secondary);
+    }
+    return QProxyStyle::standardIcon(icon, option, widget);
 }
 
 int Style::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {

@@ -5,7 +5,8 @@
 
 #include <QApplication>
 #include <QFontDatabase>
-#include <QFontInfo>
+#include <QGuiApplication>
+#include <QScreen>
 
 #include <algorithm>
 #include <cmath>
@@ -22,6 +23,16 @@ Appearance appearanceOf(const QPalette& palette) {
     const bool dark =
         palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
     return dark ? Appearance::dark : Appearance::light;
+}
+
+// Not by QFontInfo, which would load the font in a size that nothing is drawn in.
+int pixelSizeOf(const QFont& font) {
+    constexpr double kPointsToTheInch = 72.0;
+    const auto* screen = QGuiApplication::primaryScreen();
+    if (font.pixelSize() > 0 || screen == nullptr) {
+        return font.pixelSize();
+    }
+    return static_cast<int>(font.pointSizeF() * std::round(screen->logicalDotsPerInchY()) / kPointsToTheInch);
 }
 
 } // namespace
@@ -41,7 +52,7 @@ Theme::Theme(QApplication& /*application*/, std::optional<Appearance> forced)
     : appearance_(forced.value_or(appearanceOf(QApplication::palette()))),
       colors_(paletteFor(appearance_)),
       systemFont_(QApplication::font()) {
-    textScale_ = std::clamp(QFontInfo(systemFont_).pixelSize() / kBodyPixels, 1.0, kLargestTextScale);
+    textScale_ = std::clamp(pixelSizeOf(systemFont_) / kBodyPixels, 1.0, kLargestTextScale);
     systemFont_.setPixelSize(pixels(kBodyPixels));
     QApplication::setFont(systemFont_);
     // The application owns its style.
