@@ -20,7 +20,7 @@ public:
     virtual ~Dialogs() = default;
 
     // Opens the panel over the active window. `chosen` is called once, later: with the file's absolute path, or
-    // with nothing when the panel was dismissed.
+    // with nothing when the panel was dismissed. A panel goes with its window; then nobody is left to be told.
     virtual void openFile(const OpenFileRequest& request,
                           std::function<void(std::optional<std::string>)> chosen) = 0;
 };

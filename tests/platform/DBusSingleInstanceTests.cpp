@@ -1,6 +1,5 @@
+#include "PrivateBus.h"
 #include "SingleInstanceContract.h"
-#include "platform/linux/PidFd.h"
-#include "platform/posix/ChildLauncher.h"
 #include "platform/qt/DBusSingleInstance.h"
 #include "support/FakeHostEnvironment.h"
 #include "support/TemporaryFolder.h"
@@ -11,10 +10,8 @@
 #include <QDBusMessage>
 #include <QDBusPendingCall>
 
-#include <array>
 #include <atomic>
 #include <chrono>
-#include <csignal>
 #include <thread>
 
 namespace fernwick::platform {
@@ -22,42 +19,6 @@ namespace fernwick::platform {
 namespace {
 
 using Claim = SingleInstance::Claim;
-
-// A session bus of a test's own.
-class PrivateBus {
-public:
-    PrivateBus() {
-        auto launched = launcher_.launch("/usr/bin/dbus-daemon",
-                                         {"--session", "--nofork", "--nopidfile", "--print-address"}, nullptr);
-        if (!launched) {
-            throw std::runtime_error("dbus-daemon cannot be started: " + launched.error().description);
-        }
-        daemon_ = std::move(*launched);
-        const bool up = fakes::waitUntil([this] {
-            std::array<char, 512> buffer{};
-            const auto count = read(daemon_.standardOutput.get(), buffer.data(), buffer.size());
-            address_.append(buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-            return address_.ends_with('\n');
-        });
-        if (!up) {
-            throw std::runtime_error("dbus-daemon tells no address");
-        }
-        address_.pop_back();
-    }
-    PrivateBus(const PrivateBus&) = delete;
-    PrivateBus& operator=(const PrivateBus&) = delete;
-    ~PrivateBus() {
-        signalProcess(daemon_.process, SIGKILL);
-        static_cast<void>(reapProcess(daemon_.process));
-    }
-
-    [[nodiscard]] const std::string& address() const { return address_; }
-
-private:
-    ChildLauncher launcher_;
-    LaunchedChild daemon_;
-    std::string address_;
-};
 
 class BusHarness {
 public:

@@ -1,10 +1,10 @@
 #include "platform/qt/DBusSingleInstance.h"
 
+#include "platform/posix/SessionBusAddress.h"
 #include "platform/qt/ApplicationAdaptor.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
-#include <QFileInfo>
 #include <QString>
 
 namespace fernwick::platform {
@@ -15,27 +15,11 @@ const auto kService = QStringLiteral("com.fernwick.Fernwick");
 const auto kPath = QStringLiteral("/com/fernwick/Fernwick");
 const auto kInterface = QStringLiteral("org.freedesktop.Application");
 
-// The address of the session bus. libdbus would start a bus when it finds none, so it is not left to look
-// itself.
-QString sessionBusAddress(const HostEnvironment& host) {
-    const auto variables = host.variables();
-    if (const auto found = variables.find("DBUS_SESSION_BUS_ADDRESS");
-        found != variables.end() && !found->second.empty() && !found->second.starts_with("autolaunch:")) {
-        return QString::fromStdString(found->second);
-    }
-    const auto runtime = variables.find("XDG_RUNTIME_DIR");
-    if (runtime == variables.end() || !runtime->second.starts_with('/')) {
-        return {};
-    }
-    const auto socket = QString::fromStdString(runtime->second + "/bus");
-    return QFileInfo::exists(socket) ? QStringLiteral("unix:path=") + socket : QString();
-}
-
 } // namespace
 
 DBusSingleInstance::DBusSingleInstance(const HostEnvironment& host)
     : lock_(host.supportFolder() + "/instance.lock"),
-      address_(sessionBusAddress(host)),
+      address_(QString::fromStdString(sessionBusAddress(host.variables()))),
       connectionName_(QStringLiteral("fernwick-single-instance-%1").arg(reinterpret_cast<quintptr>(this))) {
     new ApplicationAdaptor(&exported_, reopened); // owned by its parent
 }
