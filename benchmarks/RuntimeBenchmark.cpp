@@ -1,6 +1,7 @@
 // How the whole application behaves under load, with real children and its window open: two hundred tunnels at
 // once, a child that floods its standard error, and a keystroke's save of ten thousand tunnels, on a disk that
 // works and on one that is stuck. Prints one JSON object.
+#include "Heartbeat.h"
 #include "SampleCatalogue.h"
 #include "catalogue/KeyManager.h"
 #include "catalogue/StoredList.h"
@@ -102,26 +103,6 @@ struct World {
     fakes::FakePasteboard pasteboard;
     MainWindow window{{theme, store, tunnels, keys, tags, notifications, dispatch, clock, host, quiet.secrets,
                        dialogs, pasteboard}};
-};
-
-// The longest time in which the main thread answered nobody, in milliseconds.
-class Heartbeat {
-public:
-    Heartbeat() {
-        QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] {
-            longest_ = std::max(longest_, static_cast<double>(sinceBeat_.nsecsElapsed()) / 1e6);
-            sinceBeat_.restart();
-        });
-        timer_.setTimerType(Qt::PreciseTimer);
-        timer_.start(1);
-        sinceBeat_.start();
-    }
-    [[nodiscard]] double longest() const { return longest_; }
-
-private:
-    QTimer timer_;
-    QElapsedTimer sinceBeat_;
-    double longest_ = 0;
 };
 
 // Runs the event loop until the condition holds; the seconds that took, or -1 when it took more than twenty.

@@ -51,7 +51,7 @@ class Failures(SshTest):
         holder = start_site(self.session, port)
         record = self.tunnel("Held", localPort=str(port))
         self.preferences.seed(**{stored.TUNNELS: [record], stored.KEYS: [self.key]})
-        app = self.start_as_is(inside=["env", "PATH=/nowhere"])  # there is no lsof
+        app = self.start_as_is(mounts=["mount --bind /dev/null \"$(command -v lsof)\""])  # which cannot run then
         app.select("Held")
         app.press("Connect")
         self.assert_refused(app, "Address already in use")
