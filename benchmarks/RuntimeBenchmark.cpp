@@ -4,7 +4,6 @@
 #include "SampleCatalogue.h"
 #include "catalogue/KeyManager.h"
 #include "catalogue/TagManager.h"
-#include "platform/NoKeychain.h"
 #include "platform/posix/FileUserDefaults.h"
 #include "platform/posix/PosixHostEnvironment.h"
 #include "platform/posix/PosixProcesses.h"
@@ -12,6 +11,7 @@
 #include "platform/qt/QtDispatch.h"
 #include "screens/main/MainWindow.h"
 #include "screens/theme/Theme.h"
+#include "support/FakeKeychain.h"
 #include "support/FakePlatform.h"
 #include "support/NotificationCenter.h"
 #include "support/RecordWriter.h"
@@ -94,8 +94,8 @@ struct World {
     TunnelManager tunnels{{dispatch, clock, processes, host, *defaults, notifications, routing}};
     KeyManager keys{*defaults};
     TagManager tags{*defaults};
-    platform::NoKeychain noKeychain;
-    KeychainStore keychain{noKeychain};
+    fakes::FakeKeychain secrets;
+    KeychainStore keychain{secrets};
     fakes::FakeDialogs dialogs;
     fakes::FakePasteboard pasteboard;
     MainWindow window{{theme,

@@ -5,18 +5,19 @@
 #include "catalogue/TagManager.h"
 #include "catalogue/TunnelStore.h"
 #include "platform/AppNotifications.h"
-#include "platform/NoKeychain.h"
+#include "platform/linux/SecretServiceKeychain.h"
 #include "platform/posix/FileUserDefaults.h"
 #include "platform/posix/PosixHostEnvironment.h"
 #include "platform/posix/PosixProcesses.h"
 #include "platform/posix/SystemClock.h"
 #include "platform/posix/TerminationSignals.h"
 #include "platform/qt/DBusSingleInstance.h"
+#include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtDispatch.h"
+#include "platform/qt/QtPasteboard.h"
 #include "screens/theme/Theme.h"
 #include "shell/AppDelegate.h"
 #include "shell/MainWindowScene.h"
-#include "shell/ShellPanels.h"
 #include "shell/WindowManager.h"
 #include "support/NotificationCenter.h"
 #include "tunnel/RoutingLayer.h"
@@ -63,9 +64,9 @@ struct FernwickApp::Backends {
     platform::DBusSingleInstance instance{host};
     platform::FileUserDefaultsProvider defaultsProvider{dispatch, host};
     support::NotificationCenter notifications;
-    platform::NoKeychain keychain;
-    FilePanels dialogs;
-    ClipboardPasteboard pasteboard;
+    platform::SecretServiceKeychain keychain{host};
+    platform::QtDialogs dialogs;
+    platform::QtPasteboard pasteboard;
 };
 
 // The application's state and windows, in the order in which they come to life.
