@@ -1,6 +1,6 @@
 // ThreadSanitizer does not see how libraries that were built without it synchronise, so it takes what libdbus,
-// GLib, libsecret and Qt do among themselves for races. Our own hand-over between threads goes through std::mutex
-// everywhere, and is looked at.
+// GLib, libsecret and Qt do among themselves for races. Our own hand-over between threads goes through
+// std::mutex everywhere, and is looked at.
 extern "C" {
 const char* __tsan_default_suppressions(); // NOLINT(bugprone-reserved-identifier): the name that it asks for
 
