@@ -4,6 +4,7 @@
 #include "screens/detail/TagPicker.h"
 #include "screens/theme/ChoiceMenu.h"
 
+#include <QAccessible>
 #include <QWheelEvent>
 
 namespace fernwick::tests {
@@ -356,6 +357,16 @@ TEST_F(ConfigTab, EveryControlHasANameAloud) {
             << control->metaObject()->className() << control->objectName().toStdString();
         EXPECT_FALSE(control->objectName().isEmpty()) << control->accessibleName().toStdString();
     }
+}
+
+TEST_F(ConfigTab, AssistiveTechnologyMayAskForAChildThatIsGone) {
+    auto* access = QAccessible::queryAccessibleInterface(&bench.find<QWidget>("configTab"));
+    ASSERT_NE(access, nullptr);
+    const int counted = access->childCount();
+    EXPECT_NE(access->child(0), nullptr);
+    turnTo("advancedTabButton");
+    EXPECT_EQ(access->child(counted), nullptr);
+    EXPECT_EQ(access->child(1000), nullptr);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "screens/theme/Theme.h"
 
 #include "screens/theme/DesktopAppearance.h"
+#include "screens/theme/ScrollAreaAccess.h"
 #include "screens/theme/Style.h"
 
 #include <QApplication>
@@ -47,6 +48,7 @@ Theme::Theme(QApplication& /*application*/, std::optional<Appearance> forced)
     // The application owns its style.
     QApplication::setStyle(std::make_unique<Style>(*this).release());
     apply();
+    installScrollAreaAccess();
     if (!forced) {
         desktop_ = std::make_unique<DesktopAppearance>([this](Appearance wanted) { setAppearance(wanted); });
     }
