@@ -20,9 +20,11 @@
 #include "support/WaitUntil.h"
 #include "tunnel/TunnelManager.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QListView>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -145,11 +147,24 @@ void connectAllAtOnce(Theme& theme) {
     world.tunnels.killAllOnQuit();
 }
 
+// Selects the last tunnel and turns to its log.
+void showLog(World& world) {
+    auto* list = world.window.findChild<QListView*>(QStringLiteral("tunnelList"));
+    list->setCurrentIndex(list->model()->index(list->model()->rowCount() - 1, 0));
+    runUntil([&] { return world.window.findChild<QWidget*>(QStringLiteral("logsTabButton")) != nullptr; });
+    world.window.findChild<QAbstractButton*>(QStringLiteral("logsTabButton"))->click();
+    runUntil([&] {
+        const auto* log = world.window.findChild<QWidget*>(QStringLiteral("logsTab"));
+        return log != nullptr && log->isVisible();
+    });
+}
+
 void floodOneLog(Theme& theme) {
     World world(theme, benchmarks::sampleTunnels(1, "Tunnel"));
     world.processes.script = kFlood;
     const auto tunnel = world.store.tunnels().back();
     runUntil([&] { return world.window.isVisible(); });
+    showLog(world);
     const long before = residentKibibytes();
     const Heartbeat heartbeat;
     world.tunnels.connect(tunnel, world.store);

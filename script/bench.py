@@ -108,6 +108,25 @@ def runtime(report: Report, _check: bool) -> None:
     report.line("20 keystrokes, the disk stuck: last state stored", float(stuck["complete"]), "", 1, True)
 
 
+def tunnels(report: Report, check: bool) -> None:
+    """What the application adds to ssh itself, with a private server."""
+    print("Beside plain ssh, on a real server")
+    program = BUILD / "benchmarks" / "fernwick_tunnel_benchmark"
+    command = ["/usr/bin/python3", "-B", ROOT / "script" / "bench_tunnels.py", program, "7" if check else "15"]
+    figures = json.loads(subprocess.run(command, check=True, capture_output=True, text=True).stdout)
+    connect, idle, comeback = figures["connect"], figures["idle"], figures["comeback"]
+    print(f"       until a forward accepts: {connect['plain']:.0f} ms by hand, {connect['ours']:.0f} ms", end=" ")
+    print(f"through us; lsof alone takes {connect['lsof']:.0f} ms")
+    report.line("connect: beyond plain ssh and lsof", connect["ours"] - connect["plain"] - connect["lsof"], "ms", 30)
+    rate = figures["throughput"]
+    report.line("bytes through a tunnel against plain ssh", rate["ours"] / rate["plain"], "x", 0.8, True)
+    report.line("memory of an idle tunnel", idle["kibibytes"], "KiB", 100)
+    report.line("wake-ups of 51 idle tunnels in five seconds", idle["wakeUps"], "", 5)
+    print(f"       51 tunnels come back together within {comeback['milliseconds']:.0f} ms; the main thread is", end=" ")
+    print(f"held for {comeback['longestTurn']:.0f} ms, {comeback['scansOnMain']:.0f} ms of them by lsof")
+    report.line("the same without the port scans", comeback["longestTurn"] - comeback["scansOnMain"], "ms", 250)
+
+
 def start(report: Report, check: bool) -> None:
     """From the start to a painted window, against the barest window of the same kind."""
     print("Start to first painted window")
@@ -124,7 +143,7 @@ def start(report: Report, check: bool) -> None:
 def main(check: bool) -> int:
     """Runs everything."""
     broken: list[str] = []
-    for part in (coding, filtering, screens, runtime, start):
+    for part in (coding, filtering, screens, runtime, tunnels, start):
         for _ in range(TRIES if check else 1):
             report = Report()
             part(report, check)

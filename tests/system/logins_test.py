@@ -198,6 +198,7 @@ class Logins(SshTest):
         app.select("Typed")
         app.type("SSH Password", secret)
         wait_until(lambda: self.keyring.lookup(TUNNEL_PASSWORD, record["id"]) == secret, "the keyring has it")
+        self.assertEqual(self.keyring.label(TUNNEL_PASSWORD, record["id"]), "Fernwick: password of Typed")
         self.assert_nowhere_on_disk(secret)
         self.lab.set_password(secret)
         app.press("Connect")

@@ -439,6 +439,70 @@ TEST_F(ReconnectorTest, SleepOfATunnelThatIsBeingPreparedTakesItsLaunchToTheWake
     EXPECT_EQ(launches(), 1U);
 }
 
+// What happens to one tunnel that comes back by itself, by whether the machine sleeps and what the network
+// does.
+struct StateRow {
+    std::string name;
+    bool asleep;
+    NetworkPathStatus network;
+    enum class Event { failedExit, wake, networkReturn } event;
+    std::size_t launchesAtOnce; // beyond the first
+    std::size_t launchesAfterTheDelay;
+};
+
+class ReconnectorState : public ReconnectorTest, public testing::WithParamInterface<StateRow> {};
+
+TEST_P(ReconnectorState, DecidesWhetherTheTunnelIsLaunched) {
+    const auto& row = GetParam();
+    using Event = StateRow::Event;
+    const auto tunnel = addRetrying();
+    world.bringUp(tunnel);
+    if (row.event == Event::wake || row.event == Event::networkReturn) {
+        // one that waits already
+        if (row.asleep) {
+            sleep();
+        } else {
+            fail(255);
+        }
+    } else if (row.asleep) {
+        world.processes.setExitOnTerminate(std::nullopt);
+        world.platform.power.willSleep.emit();
+        world.dispatch.runMain(); // the child's end is still on its way
+    }
+    network(row.network);
+    if (row.event == Event::failedExit) {
+        fail(255);
+    } else if (row.event == Event::wake) {
+        wake();
+    } else {
+        network(NetworkPathStatus::satisfied);
+    }
+    EXPECT_EQ(launches(), 1 + row.launchesAtOnce);
+    world.dispatch.advance(5s);
+    EXPECT_EQ(launches(), 1 + row.launchesAfterTheDelay);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, ReconnectorState,
+    testing::Values(
+        StateRow{"AwakeFailedExit", false, NetworkPathStatus::satisfied, StateRow::Event::failedExit, 0, 1},
+        StateRow{"AwakeFailedExitWithoutANetwork", false, NetworkPathStatus::unsatisfied,
+                 StateRow::Event::failedExit, 0, 1},
+        StateRow{"AwakeNetworkReturn", false, NetworkPathStatus::unsatisfied, StateRow::Event::networkReturn, 1,
+                 1},
+        StateRow{"AwakeNetworkStays", false, NetworkPathStatus::satisfied, StateRow::Event::networkReturn, 0,
+                 1},
+        StateRow{"AsleepFailedExit", true, NetworkPathStatus::satisfied, StateRow::Event::failedExit, 0, 0},
+        StateRow{"AsleepFailedExitWithoutANetwork", true, NetworkPathStatus::unsatisfied,
+                 StateRow::Event::failedExit, 0, 0},
+        StateRow{"WakeWithTheNetwork", true, NetworkPathStatus::satisfied, StateRow::Event::wake, 1, 1},
+        StateRow{"WakeWithoutANetwork", true, NetworkPathStatus::unsatisfied, StateRow::Event::wake, 0, 0},
+        StateRow{"WakeWithANetworkThatWantsALogin", true, NetworkPathStatus::requiresConnection,
+                 StateRow::Event::wake, 0, 0},
+        StateRow{"AsleepNetworkReturn", true, NetworkPathStatus::unsatisfied, StateRow::Event::networkReturn, 1,
+                 1}),
+    [](const auto& row) { return row.param.name; });
+
 TEST_F(ReconnectorTest, SleepAndWakeOnlyHopWhereTheyAreNotified) {
     const auto tunnel = addRetrying();
     auto& child = world.bringUp(tunnel);

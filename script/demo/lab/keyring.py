@@ -3,8 +3,6 @@
 from __future__ import annotations
 
 import subprocess
-from pathlib import Path
-
 from lab.desktop import Desktop
 from lab.session import Session, stop
 from lab.waiting import wait_until
@@ -50,9 +48,10 @@ class Keyring:
         done = self._tool("lookup", "service", service, "account", account)
         return done.stdout.decode() if done.returncode == 0 else None
 
-    def files(self) -> list[Path]:
-        """What the keyring wrote into the home folder."""
-        return [path for path in self.session.home.rglob("*.keyring") if path.is_file()]
+    def label(self, service: str, account: str) -> str:
+        """What a person reads in the keyring's own window beside the secret."""
+        found = self._tool("search", "service", service, "account", account).stdout.decode()
+        return next((line.removeprefix("label = ") for line in found.splitlines() if line.startswith("label = ")), "")
 
     def _locked(self) -> str:
         try:

@@ -1,4 +1,4 @@
-"""Two machines on one: this side in a network namespace of its own, and a far side that only a default route reaches."""
+"""Two machines on one: this side in a network namespace of its own, and a far side behind a default route."""
 
 from __future__ import annotations
 
