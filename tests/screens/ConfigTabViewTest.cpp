@@ -5,6 +5,8 @@
 #include "screens/theme/ChoiceMenu.h"
 
 #include <QAccessible>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QWheelEvent>
 
 namespace fernwick::tests {
@@ -98,6 +100,21 @@ TEST_F(ConfigTab, HasItsFourSections) {
     }
     EXPECT_EQ(titles, QStringList({QStringLiteral("General"), QStringLiteral("SSH Server"),
                                    QStringLiteral("Port Forwarding"), QStringLiteral("Notes")}));
+}
+
+TEST_F(ConfigTab, TheLastSectionEndsAboveTheEdgeForEveryType) {
+    bench.window->resize(900, 600);
+    auto& page = bench.find<QScrollArea>("configTab");
+    const auto underTheNotes = [&] {
+        page.verticalScrollBar()->setValue(page.verticalScrollBar()->maximum());
+        const QWidget& section = *notes().parentWidget()->parentWidget();
+        return page.viewport()->height() - section.mapTo(page.viewport(), QPoint(0, section.height())).y();
+    };
+    for (const int type : {0, 2, 1, 3}) {
+        this->type().setCurrentIndex(type);
+        bench.settle();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return underTheNotes() == 30; })) << type << ": " << underTheNotes();
+    }
 }
 
 TEST_F(ConfigTab, AKeyIsOneSave) {

@@ -19,7 +19,7 @@ FormPage::FormPage(const Theme& theme, QWidget* parent)
     setFocusPolicy(Qt::NoFocus);
     setWidgetResizable(true);
     viewport()->setAutoFillBackground(false);
-    sections_->setContentsMargins(0, 0, 0, 0); // the stretch at the end has the spacing above it
+    sections_->setContentsMargins(0, 0, 0, kBottom); // a layout puts no spacing before the stretch at its end
     sections_->setSpacing(kBottom);
     sections_->addStretch();
     column_->setMaximumWidth(kWidest);
