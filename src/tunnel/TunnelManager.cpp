@@ -95,7 +95,8 @@ void TunnelManager::connect(const Tunnel& tunnel, TunnelStore& store) {
                                   });
 }
 
-// Whether this placeholder's launch still stands: a stop, a sleep or the end in the meantime takes it away.
+// Whether this placeholder's launch still stands: a stop, a sleep, the end or another launch in the meantime
+// takes it away.
 bool TunnelManager::takePrepared(const support::Uuid& id,
                                  const std::shared_ptr<platform::ChildProcess>& placeholder) {
     const auto found = prepared_.find(id);
@@ -108,6 +109,7 @@ bool TunnelManager::takePrepared(const support::Uuid& id,
 
 void TunnelManager::relaunch(const Tunnel& tunnel, TunnelStore& store) {
     activeProcesses_.erase(tunnel.id);
+    prepared_.erase(tunnel.id); // its launch would leave this one's child to nobody
     launchProcess(tunnel, store);
 }
 

@@ -293,6 +293,24 @@ TEST_F(ConfigTab, TagsArePutOnAtTheEndAndTakenOff) {
     EXPECT_FALSE(chip(QStringLiteral("Staging")).isChecked());
 }
 
+TEST_F(ConfigTab, EachLabelStandsBesideTheMiddleOfItsControl) {
+    const auto middle = [&](const QWidget& widget) {
+        return widget.mapTo(&bench.find<QWidget>("configTab"), widget.rect().center()).y();
+    };
+    const auto middleOfLabel = [&](const QWidget& control) {
+        for (const auto* name : bench.find<QWidget>("configTab").findChildren<QLabel*>()) {
+            if (name->isVisible() && name->text() == control.accessibleName()) {
+                return middle(*name);
+            }
+        }
+        return -1;
+    };
+    for (const char* control : {"configNameField", "typeMenu", "authMethodMenu", "configLocalPortField"}) {
+        EXPECT_EQ(middleOfLabel(bench.find<QWidget>(control)), middle(bench.find<QWidget>(control))) << control;
+    }
+    EXPECT_EQ(middleOfLabel(bench.find<QWidget>("tagPicker")), middle(chip(QStringLiteral("Production"))));
+}
+
 TEST_F(ConfigTab, ChipsFollowTheTagManager) {
     bench.tags.tags().front().name = "Renamed";
     bench.tags.save();

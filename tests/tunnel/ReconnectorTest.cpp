@@ -370,6 +370,21 @@ TEST_F(ReconnectorTest, NetworkReturnBringsBackATunnelThatGaveUp) {
     EXPECT_EQ(status(tunnel), TunnelStatus::connected());
 }
 
+TEST_F(ReconnectorTest, NetworkReturnTakesThePlaceOfALaunchThatIsBeingPrepared) {
+    const auto tunnel = addRetrying();
+    world.launch(tunnel);
+    fail(255);
+    world.dispatch.holdGlobal(true);
+    world.manager.connect(tunnel, world.store); // by hand, during the wait
+    network(NetworkPathStatus::unsatisfied);
+    network(NetworkPathStatus::satisfied);
+    EXPECT_EQ(launches(), 2U);
+    world.dispatch.holdGlobal(false);
+    world.dispatch.advance(60s);
+    EXPECT_EQ(launches(), 2U);
+    EXPECT_EQ(world.processes.runningCount(), 1U);
+}
+
 TEST_F(ReconnectorTest, NetworkReturnSkipsWhatIsNeitherConnectingNorInError) {
     const auto tunnel = world.add(); // no retry: it becomes disconnected
     world.bringUp(tunnel);

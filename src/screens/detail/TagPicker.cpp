@@ -73,7 +73,9 @@ TagPicker::TagPicker(const Theme& theme, TagManager& tags, std::function<void(co
     : QWidget(parent), theme_(theme), tags_(tags), toggled_(std::move(toggled)) {
     setObjectName(QStringLiteral("tagPicker"));
     auto* flow = new FlowLayout(this, kSpacing);
-    flow->setContentsMargins(0, 0, 0, 0);
+    // A line of chips is as high as the other rows of a form, so that the label stands beside its middle.
+    constexpr int kAround = (grid::kControlHeight - kChipHeight) / 2;
+    flow->setContentsMargins(0, kAround, 0, kAround);
     rebuild();
     tagsChanged_ = tags.changed.connect([this] { rebuild(); });
 }

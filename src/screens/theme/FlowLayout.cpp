@@ -20,7 +20,9 @@ QLayoutItem* FlowLayout::takeAt(int index) {
 }
 
 int FlowLayout::heightForWidth(int width) const {
-    return flow(QRect(0, 0, width, 0), false);
+    const QMargins margins = contentsMargins();
+    const QRect inside = QRect(0, 0, width, 0).marginsRemoved(margins);
+    return flow(inside, false) + margins.top() + margins.bottom();
 }
 
 QSize FlowLayout::minimumSize() const {
@@ -28,12 +30,12 @@ QSize FlowLayout::minimumSize() const {
     for (const QLayoutItem* item : items_) {
         size = size.expandedTo(item->minimumSize());
     }
-    return size;
+    return size.grownBy(contentsMargins());
 }
 
 void FlowLayout::setGeometry(const QRect& area) {
     QLayout::setGeometry(area);
-    flow(area, true);
+    flow(area.marginsRemoved(contentsMargins()), true);
 }
 
 int FlowLayout::flow(const QRect& area, bool place) const {
