@@ -42,6 +42,15 @@ struct ReconnectorTest : testing::Test {
         world.processes.last().exit(status);
         world.dispatch.runAll();
     }
+    // Launches a tunnel that never comes up, until it gives up.
+    void useUpRetries(const Tunnel& tunnel) {
+        world.launch(tunnel);
+        for (int attempt = 0; attempt < Reconnector::kMaxReconnectAttempts; ++attempt) {
+            fail(255);
+            world.dispatch.advance(Reconnector::kReconnectDelay);
+        }
+        fail(255);
+    }
     [[nodiscard]] auto count(const Tunnel& tunnel, std::string_view begin) const {
         return std::ranges::count_if(world.messages(tunnel),
                                      [&](const auto& text) { return text.starts_with(begin); });
@@ -151,12 +160,7 @@ TEST_F(ReconnectorTest, ChildThatLivesLongEnoughToCountIsRetriedWithoutEnd) {
 
 TEST_F(ReconnectorTest, AfterGivingUpTheUsersConnectStartsACountOfItsOwn) {
     const auto tunnel = addRetrying();
-    world.launch(tunnel);
-    for (int attempt = 0; attempt < 5; ++attempt) {
-        fail(255);
-        world.dispatch.advance(5s);
-    }
-    fail(255);
+    useUpRetries(tunnel);
     world.launch(tunnel);
     fail(255);
     EXPECT_THAT(world.messages(tunnel).back(), testing::HasSubstr("(lần 1/5)..."));
@@ -355,12 +359,7 @@ TEST_F(ReconnectorTest, NetworkReturnTakesThePlaceOfTheTimer) {
 
 TEST_F(ReconnectorTest, NetworkReturnBringsBackATunnelThatGaveUp) {
     const auto tunnel = addRetrying();
-    world.launch(tunnel);
-    for (int attempt = 0; attempt < 5; ++attempt) {
-        fail(255);
-        world.dispatch.advance(5s);
-    }
-    fail(255);
+    useUpRetries(tunnel);
     ASSERT_EQ(status(tunnel), TunnelStatus::error(kGiveUp));
     network(NetworkPathStatus::unsatisfied);
     network(NetworkPathStatus::satisfied);
