@@ -13,13 +13,6 @@ namespace {
 
 using Services = PortHygiene::Services;
 
-std::string_view trimmed(std::string_view line) {
-    constexpr std::string_view kBlanks = " \t";
-    const auto first = line.find_first_not_of(kBlanks);
-    return first == std::string_view::npos ? ""
-                                           : line.substr(first, line.find_last_not_of(kBlanks) - first + 1);
-}
-
 std::optional<std::int32_t> parseNumber(std::string_view text) {
     if (text.starts_with('+') && !text.starts_with("+-")) {
         text.remove_prefix(1);
@@ -63,7 +56,7 @@ std::vector<int> parseProcessIds(std::string_view output) {
     }
     while (!output.empty()) {
         const auto end = output.find_first_of("\n\r");
-        const auto number = parseNumber(trimmed(output.substr(0, end)));
+        const auto number = parseNumber(support::trimBlanks(output.substr(0, end)));
         if (number && *number > 0) {
             found.push_back(*number);
         }

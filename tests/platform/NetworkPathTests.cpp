@@ -48,11 +48,11 @@ std::string message(int type, const std::string& payload, int flags = NLM_F_MULT
     return padded(bytesOf(header) + payload);
 }
 
-std::string link(int number, unsigned flags, const std::string& kind = {}) {
+std::string link(int number, unsigned flags, const std::string& kind = {}, const std::string& name = "eth0") {
     ifinfomsg body{};
     body.ifi_index = number;
     body.ifi_flags = flags;
-    auto payload = bytesOf(body);
+    auto payload = bytesOf(body) + attribute(IFLA_IFNAME, name + '\0');
     if (!kind.empty()) {
         payload += attribute(IFLA_LINKINFO, attribute(IFLA_INFO_KIND, kind + '\0'));
     }
@@ -103,10 +103,12 @@ TEST(NetworkPath, InterfaceHasToWork) {
     EXPECT_EQ(waysOf(link(3, kUp) + route(defaultRoute(), 2)), kNone) << "another one";
 }
 
-TEST(NetworkPath, TunDevicesDoNotCount) {
-    EXPECT_EQ(waysOf(link(2, kUp, "tun") + route(defaultRoute(), 2)), kNone);
-    EXPECT_EQ(waysOf(link(2, kUp, "wireguard") + route(defaultRoute(), 2)), kOne);
-    EXPECT_EQ(waysOf(link(2, kUp, "tunnel") + route(defaultRoute(), 2)), kOne);
+TEST(NetworkPath, TheApplicationsOwnTunDeviceAloneDoesNotCount) {
+    EXPECT_EQ(waysOf(link(2, kUp, "tun", "Meta") + route(defaultRoute(), 2)), kNone);
+    EXPECT_EQ(waysOf(link(2, kUp, "tun", "tun0") + route(defaultRoute(), 2)), kOne); // a VPN's
+    EXPECT_EQ(waysOf(link(2, kUp, "wireguard", "Meta") + route(defaultRoute(), 2)), kOne);
+    EXPECT_EQ(waysOf(link(2, kUp, "tunnel", "Meta") + route(defaultRoute(), 2)), kOne);
+    EXPECT_EQ(waysOf(link(2, kUp, "tun", "Meta1") + route(defaultRoute(), 2)), kOne);
 }
 
 TEST(NetworkPath, OnlyUsableDefaultRoutesCount) {

@@ -96,7 +96,7 @@ TEST_F(RouteNetworkMonitorTest, LoopbackAloneIsNoNetwork) {
     EXPECT_TRUE(statuses_.stay({unsatisfied}));
 }
 
-TEST_F(RouteNetworkMonitorTest, TunnelAloneIsNoNetwork) {
+TEST_F(RouteNetworkMonitorTest, OwnTunDeviceAloneIsNoNetwork) {
     network_.ip("tuntap add dev Meta mode tun");
     network_.ip("addr add 198.18.0.1/30 dev Meta");
     network_.ip("link set Meta up");

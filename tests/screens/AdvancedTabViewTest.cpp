@@ -2,6 +2,7 @@
 #include "DetailBench.h"
 #include "screens/detail/KeepAliveSlider.h"
 #include "screens/detail/SSHCommandPreview.h"
+#include "screens/theme/Parts.h"
 #include "screens/theme/Switch.h"
 
 #include <QTextEdit>
@@ -22,6 +23,10 @@ protected:
     QString preview() { return bench.find<QTextEdit>("sshCommandText").toPlainText(); }
     QToolButton& copyButton() { return bench.find<QToolButton>("copyCommandButton"); }
     bool copied() { return bench.find<SSHCommandPreview>("sshCommandPreview").copied(); }
+    bool copyButtonShows(Icon icon, NamedColor color) {
+        const auto drawn = [](const QIcon& each) { return each.pixmap(20).toImage(); };
+        return drawn(copyButton().icon()) == drawn(themedIcon(bench.theme, icon, color));
+    }
 };
 
 TEST_F(AdvancedTab, HasItsSectionsAndCaptions) {
@@ -154,13 +159,15 @@ TEST_F(AdvancedTab, CopyPutsTheWholeCommandOnThePasteboard) {
 
 TEST_F(AdvancedTab, CopiedIsSaidForTwoSeconds) {
     EXPECT_EQ(copyButton().accessibleName(), QStringLiteral("Copy"));
-    EXPECT_FALSE(copied());
+    EXPECT_TRUE(copyButtonShows(Icon::document, &Palette::secondary));
     copyButton().click();
     EXPECT_TRUE(copied());
+    EXPECT_TRUE(copyButtonShows(Icon::check, &Palette::green));
     bench.dispatch.advance(1999ms);
     EXPECT_TRUE(copied());
     bench.dispatch.advance(1ms);
     EXPECT_FALSE(copied());
+    EXPECT_TRUE(copyButtonShows(Icon::document, &Palette::secondary));
 }
 
 TEST_F(AdvancedTab, CopiedMayOutliveTheWindow) {

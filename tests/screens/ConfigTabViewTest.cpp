@@ -3,6 +3,7 @@
 #include "screens/detail/NotesEditor.h"
 #include "screens/detail/TagPicker.h"
 #include "screens/theme/ChoiceMenu.h"
+#include "screens/theme/TagColors.h"
 
 #include <QAccessible>
 #include <QScrollArea>
@@ -100,6 +101,13 @@ TEST_F(ConfigTab, HasItsFourSections) {
     }
     EXPECT_EQ(titles, QStringList({QStringLiteral("General"), QStringLiteral("SSH Server"),
                                    QStringLiteral("Port Forwarding"), QStringLiteral("Notes")}));
+}
+
+TEST_F(ConfigTab, FieldsForPortsAreAsWideAsPorts) {
+    EXPECT_EQ(field("configSSHPortField").width(), 80);
+    EXPECT_EQ(field("configLocalPortField").width(), 100);
+    EXPECT_EQ(field("configRemotePortField").width(), 100);
+    EXPECT_GT(field("configHostField").width(), 200);
 }
 
 TEST_F(ConfigTab, TheLastSectionEndsAboveTheEdgeForEveryType) {
@@ -309,6 +317,17 @@ TEST_F(ConfigTab, EachLabelStandsBesideTheMiddleOfItsControl) {
         EXPECT_EQ(middleOfLabel(bench.find<QWidget>(control)), middle(bench.find<QWidget>(control))) << control;
     }
     EXPECT_EQ(middleOfLabel(bench.find<QWidget>("tagPicker")), middle(chip(QStringLiteral("Production"))));
+}
+
+TEST_F(ConfigTab, AChosenChipIsFilledWithItsColourAndAnotherTintedByIt) {
+    auto& first = chip(QStringLiteral("Production"));
+    const auto ground = [&] { return first.grab().toImage().pixelColor(first.height() / 2, 3); };
+    const QColor full = tagColor(bench.tags.tags()[0].colorHex, bench.theme.colors());
+    const QColor tinted = ground();
+    EXPECT_NE(tinted, full);
+    EXPECT_GT(tinted.red(), tinted.blue()); // a red tag's
+    first.click();
+    EXPECT_EQ(ground(), full);
 }
 
 TEST_F(ConfigTab, ChipsFollowTheTagManager) {

@@ -4,6 +4,7 @@
 #include "DetailBench.h"
 #include "screens/theme/ChoiceMenu.h"
 
+#include <QTextDocument>
 #include <QToolButton>
 
 namespace fernwick::tests {
@@ -70,6 +71,20 @@ TEST_F(KeyPicker, AChosenKeyThatIsRemovedIsKeptInTheTunnel) {
     bench.settle();
     EXPECT_EQ(menu().currentText(), QStringLiteral("None / SSH Agent"));
     EXPECT_EQ(stored().identityKeyID, key.id);
+}
+
+TEST_F(KeyPicker, ThePathIsToldAsItStands) {
+    const QString path = QStringLiteral("/k/Tom & <b>Jerry</b>/id_rsa");
+    addKey(path.toStdString());
+    menu().setCurrentIndex(1);
+    QTextDocument shown;
+    EXPECT_TRUE(Qt::mightBeRichText(menu().toolTip()));
+    shown.setHtml(menu().toolTip());
+    EXPECT_EQ(shown.toPlainText(), path);
+    EXPECT_EQ(menu().accessibleDescription(), path);
+    menu().setCurrentIndex(0);
+    EXPECT_EQ(menu().toolTip(), QString());
+    EXPECT_EQ(menu().accessibleDescription(), QString());
 }
 
 TEST_F(KeyPicker, DeselectClearsTheKey) {

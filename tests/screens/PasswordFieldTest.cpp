@@ -2,6 +2,7 @@
 #include "screens/detail/PasswordField.h"
 
 #include "DetailBench.h"
+#include "screens/main/TunnelRules.h"
 #include "screens/theme/ChoiceMenu.h"
 
 #include <QClipboard>
@@ -118,6 +119,17 @@ TEST_F(Password, ATunnelWithoutPasswordIsNotAskedFor) {
     choose(1);
     EXPECT_EQ(reads(), 2);
     EXPECT_EQ(password().text(), QStringLiteral("second"));
+}
+
+TEST_F(Password, ADuplicateHasNone) {
+    usePassword();
+    QTest::keyClicks(&password(), QStringLiteral("first"));
+    const auto copy = bench.add(duplicateOf(stored()));
+    choose(1);
+    EXPECT_TRUE(password().isVisible());
+    EXPECT_EQ(password().text(), QString());
+    EXPECT_EQ(kept(copy.id), "(none)");
+    EXPECT_EQ(kept(tunnel.id), "first");
 }
 
 TEST_F(Password, AKeychainThatFailsGivesAnEmptyField) {

@@ -69,7 +69,7 @@ class Logins(SshTest):
         return app
 
     def assert_carries(self, app: App, record: stored.Record) -> None:
-        """Bytes flow, and the secret is in no line of the log and on nobody's command line."""
+        """Bytes flow."""
         wait_until(lambda: listens(int(record["localPort"])), "the forward is up")
         app.find("Connected")
         self.assertEqual(fetch(int(record["localPort"]), site.NAME).decode(), site.GREETING)

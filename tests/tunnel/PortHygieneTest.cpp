@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 
 #include <cerrno>
+#include <string>
+#include <unistd.h>
 
 namespace fernwick {
 namespace {
@@ -158,9 +160,10 @@ TEST(PortHygieneConnect, PortOfBlanksIsLookedAtAndFindsNothing) {
 
 TEST(PortHygieneConnect, OurOwnProcessIsNotSpared) {
     TunnelWorld world;
-    lsofPrints(world, {"1\n"});
+    const int own = getpid();
+    lsofPrints(world, {std::to_string(own) + "\n"});
     world.launch(world.add());
-    EXPECT_THAT(world.processes.signals(), ElementsAre(Signal{1, 15}, Signal{1, 9}));
+    EXPECT_THAT(world.processes.signals(), ElementsAre(Signal{own, 15}, Signal{own, 9}));
 }
 
 TEST(PortHygieneConnect, LaunchGoesOnAfterTheHolderOfThePortTookTheEntryAlong) {

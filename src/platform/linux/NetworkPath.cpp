@@ -58,13 +58,15 @@ void forEachAttribute(Bytes attributes, Visit visit) {
     }
 }
 
+std::string_view textOf(Bytes value) {
+    const std::string_view text(reinterpret_cast<const char*>(value.data()), value.size());
+    return text.substr(0, text.find('\0'));
+}
+
 bool isTun(Bytes linkInfo) {
     bool tun = false;
     forEachAttribute(linkInfo, [&](int type, Bytes value) {
-        if (type == IFLA_INFO_KIND) {
-            const std::string_view kind(reinterpret_cast<const char*>(value.data()), value.size());
-            tun = kind.substr(0, kind.find('\0')) == "tun";
-        }
+        tun = tun || (type == IFLA_INFO_KIND && textOf(value) == "tun");
     });
     return tun;
 }
@@ -108,10 +110,13 @@ void NetworkPath::takeInterface(Bytes payload) {
     constexpr unsigned kRunning = IFF_UP | IFF_RUNNING;
     Interface link;
     link.isRunning = (message->ifi_flags & kRunning) == kRunning;
-    link.counts = (message->ifi_flags & IFF_LOOPBACK) == 0;
+    bool tun = false;
+    bool namedAsOurs = false;
     forEachAttribute(behind(payload, sizeof(*message)), [&](int type, Bytes value) {
-        link.counts = link.counts && (type != IFLA_LINKINFO || !isTun(value));
+        tun = tun || (type == IFLA_LINKINFO && isTun(value));
+        namedAsOurs = namedAsOurs || (type == IFLA_IFNAME && textOf(value) == kOwnTunDevice);
     });
+    link.counts = (message->ifi_flags & IFF_LOOPBACK) == 0 && !(tun && namedAsOurs);
     interfaces_[static_cast<std::uint32_t>(message->ifi_index)] = link;
 }
 

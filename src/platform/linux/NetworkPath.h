@@ -7,6 +7,7 @@
 #include <map>
 #include <set>
 #include <span>
+#include <string_view>
 #include <utility>
 
 namespace fernwick::platform {
@@ -16,6 +17,9 @@ using NetworkWays = std::set<std::pair<int, std::uint32_t>>;
 
 class NetworkPath {
 public:
+    // The tun device that the proxy engine makes when its configuration names none.
+    static constexpr std::string_view kOwnTunDevice = "Meta";
+
     // How far the answer to one question (a dump, netlink(7)) has come.
     enum class Dump {
         more,      // the answer goes on
@@ -29,8 +33,8 @@ public:
     [[nodiscard]] Dump take(std::span<const std::byte> datagram, std::uint32_t sequence);
 
     // The default routes of all tables but `local`, IPv4 and IPv6, that leave by an interface that is up and
-    // has its carrier. Neither loopback nor tun devices count: what enters a tunnel has to leave by another
-    // way.
+    // has its carrier. Neither loopback nor the application's own tun device counts: what enters there has to
+    // leave by another way. The tun device of a VPN counts: some clients leave no other default route.
     [[nodiscard]] NetworkWays ways() const;
 
 private:

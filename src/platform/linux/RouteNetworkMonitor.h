@@ -1,6 +1,7 @@
 // The network monitor on rtnetlink(7). Satisfied while some default route, IPv4 or IPv6, leads off the machine
-// by an interface that works; loopback and tun devices do not count (NetworkPath.h). A connection that a person
-// would have to make first (`requiresConnection`) is nothing that the kernel knows of, so it is never told.
+// by an interface that works; loopback and the application's own tun device do not count (NetworkPath.h). A
+// connection that a person would have to make first (`requiresConnection`) is nothing that the kernel knows of,
+// so it is never told.
 // Threads: made, started and destroyed on one thread. A thread of its own sleeps until the kernel tells of a
 // change.
 #pragma once

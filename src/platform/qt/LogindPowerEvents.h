@@ -1,6 +1,6 @@
 // Sleep and wake as logind tells them (org.freedesktop.login1(5)). A delay inhibitor holds the sleep back until
 // what the handlers of `willSleep` did and queued is done; logind waits for it no longer than its
-// InhibitDelayMaxSec. Threads: main thread only, which waits for no answer.
+// InhibitDelayMaxSec. Threads: main thread only, which waits for no answer but the bus's greeting.
 #pragma once
 
 #include "platform/Dispatch.h"

@@ -108,7 +108,7 @@ void InlineKeyPickerView::refresh() {
     const auto found = selected ? std::ranges::find(keys, *selected, &IdentityKey::id) : keys.end();
     const bool chosen = found != keys.end();
     menu_->showChoice(chosen ? static_cast<int>(found - keys.begin()) + 1 : 0);
-    menu_->setToolTip(chosen ? displayLine(found->path).toHtmlEscaped() : QString());
+    setTextToolTip(*menu_, chosen ? displayLine(found->path) : QString());
     deselect_->setVisible(chosen);
     mark_->setVisible(chosen && justAdded_ == selected);
 }

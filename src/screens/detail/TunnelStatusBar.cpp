@@ -79,10 +79,7 @@ void TunnelStatusBar::refreshStatus() {
     palette.setColor(QPalette::WindowText, statusColor(status, theme_.colors()));
     status_->setPalette(palette);
     status_->setText(text);
-    // As rich text, since a tool tip guesses, and what ssh says may look like it.
-    status_->setToolTip(status && status->kind() == TunnelStatus::Kind::error
-                            ? QStringLiteral("<span>%1</span>").arg(text.toHtmlEscaped())
-                            : QString());
+    setTextToolTip(*status_, status && status->kind() == TunnelStatus::Kind::error ? text : QString());
     mark_->setStatus(status);
     button_->setStatus(status);
     refreshLastConnected();

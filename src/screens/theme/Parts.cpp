@@ -131,6 +131,15 @@ QToolButton* makeIconButton(const Theme& theme, Icon icon, const QString& helpTe
     return button;
 }
 
+void setTextToolTip(QWidget& widget, const QString& text) {
+    const QString rich =
+        text.isEmpty() ? QString() : QStringLiteral("<span>%1</span>").arg(text.toHtmlEscaped());
+    if (rich != widget.toolTip()) {
+        widget.setToolTip(rich);
+        widget.setAccessibleDescription(text); // assistive technology would else read the tool tip
+    }
+}
+
 QPushButton* makeButton(const QString& text, ButtonRole role, const QString& objectName, QWidget* parent) {
     auto* button = new QPushButton(text, parent);
     button->setObjectName(objectName);

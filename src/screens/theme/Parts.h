@@ -84,6 +84,10 @@ private:
 [[nodiscard]] QToolButton* makeIconButton(const Theme& theme, Icon icon, const QString& helpText,
                                           const QString& objectName, QWidget* parent);
 
+// Gives a widget a help text that came from elsewhere; empty text takes it away. It is shown and read aloud as
+// it stands: a tool tip would otherwise guess whether it is rich text.
+void setTextToolTip(QWidget& widget, const QString& text);
+
 // A push button in a role.
 [[nodiscard]] QPushButton* makeButton(const QString& text, ButtonRole role, const QString& objectName,
                                       QWidget* parent);
