@@ -10,6 +10,7 @@ from harness import SshTest, main, stored, wait_until
 from lab import site
 from lab.app import App
 from lab.power import Logind
+from lab.waiting import wait_for
 from lab.wire import fetch, free_port, listens
 
 GIVE_UP = "Error: Mất kết nối — thử lại thủ công"
@@ -72,8 +73,7 @@ class Comeback(SshTest):
         self.said(app, "⚠ Process thoát bất thường")
         app.press("Stop")
         app.find("Idle")
-        time.sleep(5.5)  # the retry would have come by now
-        self.assertFalse(app.children())
+        self.assertFalse(wait_for(app.children, 5.5), "no retry comes")
         self.assertFalse(listens(int(record["localPort"])))
 
     def test_sleep_ends_the_children_and_wake_brings_them_back(self) -> None:

@@ -170,8 +170,11 @@ class Logins(SshTest):
     def test_script_is_its_owners_alone_and_gone_after_thirty_seconds(self) -> None:
         secret = "a secret of this very case"
         self.lab.set_password(secret)
-        record = self.by_password("Short life", secret)
-        app = self.pressed(record)
+        record = self.by_password("Short life", None)
+        app = self.start(record)
+        app.select("Short life")
+        app.type("SSH Password", secret)
+        app.press("Connect")
         wait_until(self.scripts, "the script lies there")
         made = time.monotonic()
         script = self.scripts()[0]

@@ -9,6 +9,7 @@ from harness import SshTest, main, stored, wait_until
 from lab.app import App
 from lab.network import FAR, FAR_ADDRESS, NEAR, Network
 from lab.power import Logind
+from lab.waiting import wait_for
 
 
 class Roaming(SshTest):
@@ -69,8 +70,7 @@ class Roaming(SshTest):
         time.sleep(0.5)  # the route's end is noticed while the machine sleeps
         self.logind.wake()
         self.said(app, "☀️ Mac woke up. Waiting for network...")
-        time.sleep(1.0)
-        self.assertFalse(app.children())
+        self.assertFalse(wait_for(app.children, 1.0), "nothing comes back")
         self.network.give_route()
         self.said(app, "🌐 Mạng trở lại — đang kết nối lại...")
         self.assert_banner()
