@@ -193,9 +193,9 @@ void many(World& world) {
     spinUntil([&] { return std::ranges::all_of(ports, up); });
     spinFor(std::chrono::seconds(3));
     const double each = static_cast<double>(privateKibibytes() - before) / kMany;
-    const auto switches = contextSwitches();
+    const auto earlier = wakeUps();
     spinFor(std::chrono::seconds(5));
-    const auto wakeUps = contextSwitches() - switches;
+    const auto woken = wakeUpsSince(earlier);
 
     for (const auto& tunnel : all) {
         world.processes.sendSignal(world.tunnels.activeProcess(tunnel.id)->pid(), platform::kSignalKill);
@@ -212,7 +212,7 @@ void many(World& world) {
                 "\n"
                 R"("comeback": {"milliseconds": %.0f, "longestTurn": %.0f, "scansOnMain": %.0f})"
                 "\n",
-                each, wakeUps, begun.milliseconds(), heartbeat.longest(), world.commands.onMain);
+                each, woken, begun.milliseconds(), heartbeat.longest(), world.commands.onMain);
 }
 
 } // namespace

@@ -125,10 +125,19 @@ long privateKibibytes() {
     return procSum("/proc/self/smaps_rollup", {"Private_Clean:", "Private_Dirty:"});
 }
 
-long contextSwitches() {
-    long sum = 0;
+std::map<std::string, long> wakeUps() {
+    std::map<std::string, long> counts;
     for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
-        sum += procSum(task.path() / "status", {"voluntary_ctxt_switches:", "nonvoluntary_ctxt_switches:"});
+        counts[task.path().filename()] = procSum(task.path() / "status", {"voluntary_ctxt_switches:"});
+    }
+    return counts;
+}
+
+long wakeUpsSince(const std::map<std::string, long>& before) {
+    long sum = 0;
+    for (const auto& [thread, count] : wakeUps()) {
+        const auto earlier = before.find(thread);
+        sum += count - (earlier != before.end() ? earlier->second : 0);
     }
     return sum;
 }

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
+#include <map>
 #include <string>
 #include <thread>
 #include <vector>
@@ -52,9 +53,14 @@ private:
 // Fetches that many megabytes of the site through a port, and returns megabytes per second.
 double fetchRate(int port, const std::string& site, int megabytes);
 
-// This process's own memory, and how often its threads have been woken.
+// This process's own memory.
 long privateKibibytes();
-long contextSwitches();
+
+// How often each thread of this process has been woken so far, by its number.
+std::map<std::string, long> wakeUps();
+
+// How often the threads that live now have been woken since `before`.
+long wakeUpsSince(const std::map<std::string, long>& before);
 
 double median(std::vector<double> values);
 
