@@ -65,7 +65,9 @@ class Hand:
             self.app.turn_to("Logs")
             rows = self.app.find("Logs", "list")
             count = rows.get_child_count()
-            return [rows.get_child_at_index(index).get_name() for index in range(max(0, count - last), count)]
+            lines = [rows.get_child_at_index(index).get_name() for index in range(max(0, count - last), count)]
+            self.app.turn_to("Configuration")  # five hundred rows on the screen make every later look slow
+            return lines
         return self._on(read, f"the log of {name}")
 
     def stop_all(self) -> None:
