@@ -3,10 +3,12 @@
 from __future__ import annotations
 
 import subprocess
+from pathlib import Path
 
 _NEAR, _FAR = "fernwick-near", "fernwick-far"
 FAR_ADDRESS = "10.84.0.1"
 _GATEWAY = "10.83.0.2"
+_NAMES = Path("/run/netns")  # where ip keeps the names of network namespaces
 
 NEAR = ["ip", "netns", "exec", _NEAR]  # the command that runs its arguments on this side
 FAR = ["ip", "netns", "exec", _FAR]
@@ -16,7 +18,8 @@ class Network:
     """A cable between the two, and the route over it; all of it is gone after `close`."""
 
     def __init__(self) -> None:
-        self.close()  # of a run that was killed
+        _keep_names_private()
+        self.close()  # of a cable laid before
         for name in (_NEAR, _FAR):
             _ip("netns", "add", name)
             _ip("-n", name, "link", "set", "lo", "up")
@@ -40,6 +43,13 @@ class Network:
         """Takes both sides away."""
         for name in (_NEAR, _FAR):
             subprocess.run(["ip", "netns", "delete", name], capture_output=True)
+
+
+def _keep_names_private() -> None:
+    """Hides the names from other runs on this machine, which use the same ones; they go with the mount namespace."""
+    _NAMES.mkdir(exist_ok=True)
+    if not _NAMES.is_mount():
+        subprocess.run(["mount", "-t", "tmpfs", "tmpfs", _NAMES], check=True)
 
 
 def _ip(*words: str) -> None:

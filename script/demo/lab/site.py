@@ -1,4 +1,4 @@
-"""The web site of the laboratory, to be run as a program: site.py ADDRESS PORT.
+"""The web site of the laboratory, to be run as a program: site.py ADDRESS PORT...
 
 It answers only to its own name, which only the ssh server's side can resolve.
 """
@@ -7,6 +7,7 @@ from __future__ import annotations
 
 import random
 import sys
+import threading
 from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
 
 NAME = "inside.fernwick.test"
@@ -39,4 +40,5 @@ class Handler(BaseHTTPRequestHandler):
 
 
 if __name__ == "__main__":
-    ThreadingHTTPServer((sys.argv[1], int(sys.argv[2])), Handler).serve_forever()
+    for port in sys.argv[2:]:
+        threading.Thread(target=ThreadingHTTPServer((sys.argv[1], int(port)), Handler).serve_forever).start()

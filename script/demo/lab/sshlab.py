@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import contextlib
 import os
 import pwd
 import shlex
@@ -15,7 +16,7 @@ from pathlib import Path
 from lab import namespace, site
 from lab.session import Session, descendants, stop
 from lab.waiting import wait_until
-from lab.wire import free_port, listens
+from lab.wire import free_port, listens_in
 
 JUMP = "fernwick-jump"
 _SITE_ADDRESS = "127.83.72.1"
@@ -33,6 +34,7 @@ class Server:
     process: subprocess.Popen[bytes] | None = None
     inside: Sequence[str] = ()  # the command by way of which it runs, in another network namespace perhaps
     address: str = "127.0.0.1"
+    settings: str = ""  # further lines of its configuration
 
     def start(self) -> None:
         """Starts the server and waits until it accepts connections."""
@@ -42,7 +44,7 @@ class Server:
             f"PidFile {self.folder}/pid\nAuthorizedKeysFile {self.authorized}\n"
             "StrictModes no\nUsePAM no\nPasswordAuthentication yes\nKbdInteractiveAuthentication no\n"
             "PermitRootLogin yes\nUseDNS no\nLogLevel VERBOSE\nPrintMotd no\n"
-            "MaxStartups 300:30:300\n")
+            f"MaxStartups 300:30:300\n{self.settings}")
         inside = self.folder / "inside.sh"
         inside.write_text(_inside_script(self.folder, config))
         begun = len(self.log())
@@ -66,7 +68,8 @@ class Server:
         """Ends the server and every login on it at once, as a crash of the machine would."""
         assert self.process is not None
         for pid in [*descendants(self.process.pid), self.process.pid]:
-            os.kill(pid, signal.SIGKILL)
+            with contextlib.suppress(ProcessLookupError):  # a login may end by itself meanwhile
+                os.kill(pid, signal.SIGKILL)
         self.process.wait(5)
 
     def log(self) -> str:
@@ -78,8 +81,11 @@ class Server:
 class SshLab:
     """A server, a second one to jump over, a user key, an agent that holds it, and the site behind them."""
 
-    def __init__(self, session: Session) -> None:
+    def __init__(self, session: Session, *, inside: Sequence[str] = (), address: str = "127.0.0.1",
+                 settings: str = "") -> None:
+        """Starts all of it, by way of a command, on an address of that place and with further settings of sshd."""
         self.session = session
+        self.settings = settings
         self.user = pwd.getpwuid(os.getuid()).pw_name
         self.folder = session.root / "ssh"
         self.folder.mkdir(mode=0o700)
@@ -88,9 +94,9 @@ class SshLab:
         self.authorized = self.folder / "authorized_keys"
         self.authorized.write_text(self.key.with_suffix(".pub").read_text())
         self.site_port = free_port(_SITE_ADDRESS)
-        start_site(session, self.site_port, _SITE_ADDRESS)
-        self.server = self.add_server("server")
-        self.jump = self.add_server("jump")
+        start_site(session, self.site_port, _SITE_ADDRESS, inside=inside)
+        self.server = self.add_server("server", inside=inside, address=address)
+        self.jump = self.add_server("jump", inside=inside, address=address)
         self._write_user_config()
 
     def make_key(self, name: str, passphrase: str = "") -> Path:
@@ -125,7 +131,7 @@ class SshLab:
         folder.mkdir(exist_ok=True)
         (folder / "hosts").write_text(f"127.0.0.1 localhost\n{_SITE_ADDRESS} {site.NAME}\n")
         server = Server(self.session, folder, free_port(), self.authorized, self.host_key, inside=inside,
-                        address=address)
+                        address=address, settings=self.settings)
         server.set_password_hash(self.user, "*")
         server.start()
         return server
@@ -133,19 +139,20 @@ class SshLab:
     def _write_user_config(self) -> None:
         """A jump host named on the command line takes its settings from the configuration file only."""
         (self.session.home / ".ssh/config").write_text(
-            f"Host {JUMP}\n    HostName 127.0.0.1\n    Port {self.jump.port}\n    User {self.user}\n"
+            f"Host {JUMP}\n    HostName {self.jump.address}\n    Port {self.jump.port}\n    User {self.user}\n"
             f"    IdentityFile {self.key}\n    IdentityAgent none\n    StrictHostKeyChecking accept-new\n")
 
 
-def start_site(session: Session, port: int, address: str = "127.0.0.1", *,
+def start_site(session: Session, port: int, address: str = "127.0.0.1", *, more: Sequence[int] = (),
                inside: Sequence[str] = ()) -> subprocess.Popen[bytes]:
-    """Starts a site in a process of its own, by way of a command, and waits until it answers.
+    """Starts a site on a port, and `more`, in a process of its own, by way of a command; waits until it answers.
 
     With POWERLESS for the command the application may look at the process; otherwise, when root runs the laboratory,
     it may not.
     """
-    child = session.start([*inside, sys.executable, site.__file__, address, str(port)])
-    wait_until(lambda: listens(port, address), f"the site answers on {address}:{port}")
+    ports = [port, *more]
+    child = session.start([*inside, sys.executable, site.__file__, address, *map(str, ports)])
+    wait_until(lambda: all(listens_in(child.pid, each, address) for each in ports), f"the site answers on {ports}")
     return child
 
 

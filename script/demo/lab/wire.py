@@ -4,6 +4,8 @@ from __future__ import annotations
 
 import http.client
 import socket
+import sys
+from pathlib import Path
 
 
 def free_port(address: str = "127.0.0.1") -> int:
@@ -19,6 +21,16 @@ def listens(port: int, address: str = "127.0.0.1") -> bool:
     with socket.socket() as probe:
         probe.settimeout(1.0)
         return probe.connect_ex((address, port)) == 0
+
+
+def listens_in(pid: int, port: int, address: str) -> bool:
+    """Whether somebody listens there in the network namespace of a process, without connecting (proc_net(5))."""
+    at = int.from_bytes(socket.inet_aton(address), sys.byteorder)
+    try:
+        table = Path(f"/proc/{pid}/net/tcp").read_text()
+    except OSError:
+        return False
+    return f" {at:08X}:{port:04X} 00000000:0000 0A " in table
 
 
 def fetch(port: int, host: str, path: str = "/", *, through: socket.socket | None = None) -> bytes:
