@@ -41,7 +41,10 @@ UChar32 previousCodePoint(std::string_view text, std::size_t& at) {
 #pragma GCC diagnostic pop
 
 bool isBlank(UChar32 point) {
-    return point >= 0 && u_isblank(point) != 0;
+    if (point < 0x80) { // most text is, and need not be looked up
+        return point == ' ' || point == '\t';
+    }
+    return u_isblank(point) != 0;
 }
 
 bool isAscii(std::string_view text) {
@@ -119,6 +122,18 @@ bool isWhiteSpace(std::string_view text) {
         }
     }
     return true;
+}
+
+bool startsWithNumber(std::string_view text) {
+    if (text.empty()) {
+        return false;
+    }
+    if (static_cast<unsigned char>(text.front()) < 0x80) {
+        return text.front() >= '0' && text.front() <= '9';
+    }
+    std::size_t at = 0;
+    const auto point = nextCodePoint(text, at);
+    return point >= 0 && u_getIntPropertyValue(point, UCHAR_NUMERIC_TYPE) != U_NT_NONE;
 }
 
 bool isValidUtf8(std::string_view bytes) {

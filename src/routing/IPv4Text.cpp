@@ -1,0 +1,55 @@
+#include "routing/IPv4Text.h"
+
+#include "support/Integer.h"
+#include "support/Pieces.h"
+
+#include <array>
+#include <cstddef>
+
+namespace fernwick {
+
+namespace {
+
+constexpr std::size_t kPieces = 4;
+
+// The numbers among the pieces between dots, if there are exactly four.
+template <class T>
+std::optional<std::array<T, kPieces>> fourNumbers(std::string_view text) {
+    std::array<T, kPieces> numbers{};
+    std::size_t count = 0;
+    support::forEachPiece(text, '.', [&](std::string_view piece) {
+        const auto number = support::parseInteger<T>(piece);
+        if (number && count < kPieces) {
+            numbers[count] = *number;
+        }
+        count += number ? 1 : 0;
+        return true;
+    });
+    return count == kPieces ? std::optional(numbers) : std::nullopt;
+}
+
+} // namespace
+
+bool isValidIPv4(std::string_view text) {
+    return fourNumbers<std::uint8_t>(text).has_value();
+}
+
+bool isValidCIDR(std::string_view text) {
+    const auto pieces = support::piecesOf(text, '/');
+    if (pieces.size() != 2) {
+        return false;
+    }
+    const auto prefix = support::parseInteger<int>(pieces[1]);
+    return prefix && *prefix >= 0 && *prefix <= 32 && isValidIPv4(pieces[0]);
+}
+
+std::optional<std::uint32_t> ipToUInt32(std::string_view text) {
+    const auto numbers = fourNumbers<std::uint32_t>(text);
+    if (!numbers) {
+        return std::nullopt;
+    }
+    const auto& [first, second, third, fourth] = *numbers;
+    return first << 24U | second << 16U | third << 8U | fourth;
+}
+
+} // namespace fernwick
