@@ -21,4 +21,11 @@ namespace fernwick {
 // four must remain; a number above 255 runs into the byte above it, bits beyond the 32nd are lost.
 [[nodiscard]] std::optional<std::uint32_t> ipToUInt32(std::string_view text);
 
+// Whether the text has exactly four pieces between dots, each a whole number below 256.
+[[nodiscard]] bool isIPv4Literal(std::string_view text);
+
+// The fewest networks, in order, that hold exactly the addresses from the first to the second of "a-b", each
+// read with `ipToUInt32`. Absent when there are not two, one does not read, or the first is above the second.
+[[nodiscard]] std::optional<std::vector<std::string>> ipRangeToCIDRs(std::string_view text);
+
 } // namespace fernwick
