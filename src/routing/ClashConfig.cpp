@@ -87,14 +87,16 @@ std::string generateClashConfig(const std::vector<Tunnel>& tunnels, const Tunnel
                                 const std::vector<ProxyConfig>& proxies, const std::vector<AppRule>& rules,
                                 const platform::Clock& clock) {
     const ClashProxies named(tunnels, tunnelPorts, proxies);
+    const auto targeted = targetedRules(rules, named);
     std::string text;
+    text.reserve(kSettings.size() + named.expectedSize() + expectedSize(targeted)); // growing would copy it all
     appendLine(text, "# Fernwick — Auto-generated Clash Meta config");
     appendLine(text, "# DO NOT EDIT — regenerated automatically");
     appendLine(text, "# Generated: ", support::iso8601Text(clock.now()));
     text += kSettings;
     if (named.hasLiveTunnel()) {
         text += kTunOn;
-        appendExcludedNetworks(text, rules, named);
+        appendExcludedNetworks(text, targeted);
     } else {
         text += kTunOff;
     }
@@ -103,7 +105,7 @@ std::string generateClashConfig(const std::vector<Tunnel>& tunnels, const Tunnel
     appendLine(text, "proxy-groups:");
     named.appendGroups(text);
     appendLine(text, "rules:");
-    appendRules(text, rules, named);
+    appendRules(text, targeted);
     return text;
 }
 

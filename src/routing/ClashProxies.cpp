@@ -10,11 +10,14 @@ namespace fernwick {
 namespace {
 
 void appendTunnelPort(std::string& text, std::string_view name, std::string_view port) {
-    appendLine(text, "  - name: \"", name, "\"");
-    appendLine(text, "    type: socks5");
-    appendLine(text, "    server: 127.0.0.1");
-    appendLine(text, "    port: ", port);
-    appendLine(text, "    udp: false");
+    appendLine(text, "  - name: \"", name,
+               "\"\n"
+               "    type: socks5\n"
+               "    server: 127.0.0.1\n"
+               "    port: ",
+               port,
+               "\n"
+               "    udp: false");
 }
 
 void appendProxy(std::string& text, std::string_view name, const ProxyConfig& proxy) {
@@ -32,11 +35,14 @@ void appendProxy(std::string& text, std::string_view name, const ProxyConfig& pr
 
 // A group of one member, which can be switched over to DIRECT.
 void appendGroup(std::string& text, std::string_view prefix, std::string_view name) {
-    appendLine(text, "  - name: \"", prefix, name, "\"");
-    appendLine(text, "    type: select");
-    appendLine(text, "    proxies:");
-    appendLine(text, "      - \"", name, "\"");
-    appendLine(text, "      - DIRECT");
+    appendLine(text, "  - name: \"", prefix, name,
+               "\"\n"
+               "    type: select\n"
+               "    proxies:\n"
+               "      - \"",
+               name,
+               "\"\n"
+               "      - DIRECT");
 }
 
 constexpr std::string_view kTunnelGroup = "TUN_";
@@ -122,6 +128,11 @@ std::optional<std::string_view> ClashProxies::ruleTarget(const AppRule& rule) co
         return lookUp(tunnelTargets_, rule.tunnelID);
     }
     return std::nullopt;
+}
+
+std::size_t ClashProxies::expectedSize() const {
+    constexpr std::size_t kOfEach = 300; // a proxy, a member and a group, names of usual length included
+    return kOfEach * (1 + tunnelNames_.size() + direct_.size() + tunnelled_.size());
 }
 
 void ClashProxies::appendProxies(std::string& text) const {

@@ -9,6 +9,7 @@
 #include "routing/ProxyConfig.h"
 #include "tunnel/RoutingLayer.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -25,6 +26,9 @@ public:
 
     // Whether any of the tunnels is live.
     [[nodiscard]] bool hasLiveTunnel() const { return !tunnelNames_.empty(); }
+
+    // About how many bytes both of the next two add.
+    [[nodiscard]] std::size_t expectedSize() const;
 
     // Appends what stands below "proxies:", and below "proxy-groups:".
     void appendProxies(std::string& text) const;

@@ -7,6 +7,7 @@
 #include <array>
 #include <bitset>
 #include <cstddef>
+#include <cstdint>
 
 namespace fernwick {
 
@@ -60,6 +61,58 @@ std::string keywordOf(std::string_view pattern) {
     std::erase(word, '*');
     const auto begin = word.find_first_not_of('.');
     return begin == std::string::npos ? "" : word.substr(begin, word.find_last_not_of('.') + 1 - begin);
+}
+
+// What a host pattern has in it, found in one walk.
+struct HostMarks {
+    bool slash = false;
+    bool hyphen = false;
+    bool asterisk = false;
+    bool letter = false; // anything that no number has
+
+    explicit HostMarks(std::string_view host) {
+        unsigned all = 0;
+        for (const char c : host) {
+            all |= kClasses[static_cast<unsigned char>(c)];
+        }
+        slash = (all & kSlash) != 0;
+        hyphen = (all & kHyphen) != 0;
+        asterisk = (all & kAsterisk) != 0;
+        letter = (all & kLetter) != 0;
+    }
+
+private:
+    enum Class : std::uint8_t { kSlash = 1, kHyphen = 2, kAsterisk = 4, kLetter = 8 };
+
+    static constexpr auto kClasses = [] {
+        std::array<std::uint8_t, 256> classes{};
+        classes.fill(kLetter);
+        for (const char c : std::string_view("0123456789.+")) {
+            classes[static_cast<unsigned char>(c)] = 0;
+        }
+        classes['-'] = kHyphen;
+        classes['/'] |= kSlash;
+        classes['*'] |= kAsterisk;
+        return classes;
+    }();
+};
+
+// A network, a range, a domain with its subdomains, or a part of one.
+void appendHostRules(std::string& text, std::string_view host, std::string_view target) {
+    const HostMarks has(host);
+    if (has.slash) {
+        appendNetwork(text, host, target);
+    } else if (has.hyphen && support::startsWithNumber(host)) {
+        appendRange(text, host, target);
+    } else if (host.starts_with("*.")) {
+        appendLine(text, "  - DOMAIN-SUFFIX,", host.substr(2), ",", target);
+    } else if (has.asterisk) {
+        appendLine(text, "  - DOMAIN-KEYWORD,", keywordOf(host), ",", target);
+    } else if (!has.letter && isIPv4Literal(host)) {
+        appendLine(text, "  - IP-CIDR,", host, "/32,", target, ",no-resolve");
+    } else {
+        appendLine(text, "  - DOMAIN,", host, ",", target, "\n  - DOMAIN-SUFFIX,", host, ",", target);
+    }
 }
 
 void appendApplicationRules(std::string& text, std::string_view application, std::string_view target) {
@@ -122,13 +175,12 @@ void classifyApplication(std::string_view application, RoutedNetworks& routed) {
     }
 }
 
-RoutedNetworks routedPrivateNets(const std::vector<AppRule>& rules, const ClashProxies& proxies) {
+RoutedNetworks routedPrivateNets(const std::vector<TargetedRule>& rules) {
     RoutedNetworks routed;
-    for (const auto& rule : rules) {
-        const bool isRouted = rule.action == RuleAction::proxy || rule.action == RuleAction::tunnel;
-        if (rule.isEnabled && isRouted && proxies.ruleTarget(rule)) {
-            forEachElement(rule.targetHosts, [&](std::string_view host) { classifyHost(host, routed); });
-            forEachElement(rule.applications,
+    for (const auto& [rule, target] : rules) {
+        if (rule->action == RuleAction::proxy || rule->action == RuleAction::tunnel) {
+            forEachElement(rule->targetHosts, [&](std::string_view host) { classifyHost(host, routed); });
+            forEachElement(rule->applications,
                            [&](std::string_view application) { classifyApplication(application, routed); });
         }
     }
@@ -137,36 +189,37 @@ RoutedNetworks routedPrivateNets(const std::vector<AppRule>& rules, const ClashP
 
 } // namespace
 
-void appendHostRules(std::string& text, std::string_view host, std::string_view target) {
-    if (host.contains('/')) {
-        appendNetwork(text, host, target);
-    } else if (host.contains('-') && support::startsWithNumber(host)) {
-        appendRange(text, host, target);
-    } else if (host.starts_with("*.")) {
-        appendLine(text, "  - DOMAIN-SUFFIX,", host.substr(2), ",", target);
-    } else if (host.contains('*')) {
-        appendLine(text, "  - DOMAIN-KEYWORD,", keywordOf(host), ",", target);
-    } else if (isIPv4Literal(host)) {
-        appendLine(text, "  - IP-CIDR,", host, "/32,", target, ",no-resolve");
-    } else {
-        appendLine(text, "  - DOMAIN,", host, ",", target);
-        appendLine(text, "  - DOMAIN-SUFFIX,", host, ",", target);
+std::vector<TargetedRule> targetedRules(const std::vector<AppRule>& rules, const ClashProxies& proxies) {
+    std::vector<TargetedRule> targeted;
+    targeted.reserve(rules.size());
+    for (const auto& rule : rules) {
+        if (const auto target = rule.isEnabled ? proxies.ruleTarget(rule) : std::nullopt) {
+            targeted.push_back({&rule, *target});
+        }
     }
+    return targeted;
 }
 
-void appendRules(std::string& text, const std::vector<AppRule>& rules, const ClashProxies& proxies) {
+std::size_t expectedSize(const std::vector<TargetedRule>& rules) {
+    constexpr std::size_t kOfElement = 80; // the two lines of a domain of usual length, without the targets
+    std::size_t size = kPrelude.size() + kClosing.size();
+    for (const auto& [rule, target] : rules) {
+        const auto elements = rule->targetHosts.size() + rule->targetPorts.size() + rule->applications.size();
+        size += elements * (kOfElement + 2 * target.size());
+    }
+    return size;
+}
+
+void appendRules(std::string& text, const std::vector<TargetedRule>& rules) {
     text += kPrelude;
-    for (const auto& rule : rules) {
-        const auto target = rule.isEnabled ? proxies.ruleTarget(rule) : std::nullopt;
-        if (target) {
-            appendRule(text, rule, *target);
-        }
+    for (const auto& [rule, target] : rules) {
+        appendRule(text, *rule, target);
     }
     text += kClosing;
 }
 
-void appendExcludedNetworks(std::string& text, const std::vector<AppRule>& rules, const ClashProxies& proxies) {
-    const auto routed = routedPrivateNets(rules, proxies);
+void appendExcludedNetworks(std::string& text, const std::vector<TargetedRule>& rules) {
+    const auto routed = routedPrivateNets(rules);
     for (std::size_t at = 0; at < kExcluded.size(); ++at) {
         if (!routed.test(at)) {
             appendLine(text, "    - ", kExcluded[at].network);

@@ -2,21 +2,44 @@
 // Threads: any.
 #pragma once
 
-#include <concepts>
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace fernwick {
 
-// Appends the pieces and a line feed.
-template <std::convertible_to<std::string_view>... Piece>
+namespace detail {
+
+// The length of a literal is known to the compiler. Other pieces are looked at where they are: to copy a view
+// that was made just before costs more than what it is copied for.
+template <std::size_t Size>
+constexpr std::size_t sizeOf(const char (& /*literal*/)[Size]) {
+    return Size - 1;
+}
+constexpr std::size_t sizeOf(const std::string_view& piece) {
+    return piece.size();
+}
+
+// Writes the piece to `out`; returns the place behind it.
+template <std::size_t Size>
+char* put(char* out, const char (&literal)[Size]) {
+    return std::copy_n(literal, Size - 1, out);
+}
+inline char* put(char* out, const std::string_view& piece) {
+    return std::copy_n(piece.data(), piece.size(), out);
+}
+
+} // namespace detail
+
+// Appends the pieces and a line feed. A piece is a string literal, or converts to std::string_view.
+template <class... Piece>
 void appendLine(std::string& text, const Piece&... pieces) {
     const std::size_t start = text.size();
-    const std::size_t size = (start + ... + std::string_view(pieces).size()) + 1;
+    const std::size_t size = (start + ... + detail::sizeOf(pieces)) + 1;
     text.resize_and_overwrite(size, [&](char* data, std::size_t) {
         char* at = data + start;
-        ((at += std::string_view(pieces).copy(at, std::string_view::npos)), ...);
+        ((at = detail::put(at, pieces)), ...);
         *at = '\n';
         return size;
     });

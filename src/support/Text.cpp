@@ -41,10 +41,11 @@ UChar32 previousCodePoint(std::string_view text, std::size_t& at) {
 #pragma GCC diagnostic pop
 
 bool isBlank(UChar32 point) {
-    if (point < 0x80) { // most text is, and need not be looked up
-        return point == ' ' || point == '\t';
-    }
-    return u_isblank(point) != 0;
+    return point >= 0 && u_isblank(point) != 0;
+}
+
+bool isGraphicAscii(char c) {
+    return c > ' ' && c <= '~';
 }
 
 bool isAscii(std::string_view text) {
@@ -102,6 +103,9 @@ bool isInsideCharacter(std::string_view text, std::size_t end) {
 } // namespace
 
 std::string_view trimBlanks(std::string_view text) {
+    if (!text.empty() && isGraphicAscii(text.front()) && isGraphicAscii(text.back())) {
+        return text; // as most texts are
+    }
     std::size_t begin = 0;
     for (std::size_t next = 0; next < text.size() && isBlank(nextCodePoint(text, next));) {
         begin = next;
