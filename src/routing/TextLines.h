@@ -37,12 +37,14 @@ template <class... Piece>
 void appendLine(std::string& text, const Piece&... pieces) {
     const std::size_t start = text.size();
     const std::size_t size = (start + ... + detail::sizeOf(pieces)) + 1;
-    text.resize_and_overwrite(size, [&](char* data, std::size_t) {
+    const auto write = [&](char* data) {
         char* at = data + start;
         ((at = detail::put(at, pieces)), ...);
         *at = '\n';
         return size;
-    });
+    };
+    // The string takes its operation by value; one that only refers to what it needs is passed in a register.
+    text.resize_and_overwrite(size, [&write](char* data, std::size_t) { return write(data); });
 }
 
 } // namespace fernwick
