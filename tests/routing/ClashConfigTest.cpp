@@ -5,7 +5,7 @@
 namespace fernwick {
 namespace {
 
-// The example that the documentation of the format goes by: a tunnel, a proxy, and a rule of each kind.
+// A tunnel, a proxy, and a rule for each of them and to block.
 void fillOffice(ClashWorld& world) {
     const auto office = world.addTunnel("Office");
     const auto hongKong = world.addProxy("HK");
