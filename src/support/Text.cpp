@@ -44,6 +44,10 @@ bool isBlank(UChar32 point) {
     return point >= 0 && u_isblank(point) != 0;
 }
 
+bool isGraphicAscii(char c) {
+    return c > ' ' && c <= '~';
+}
+
 bool isAscii(std::string_view text) {
     return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
@@ -99,6 +103,9 @@ bool isInsideCharacter(std::string_view text, std::size_t end) {
 } // namespace
 
 std::string_view trimBlanks(std::string_view text) {
+    if (!text.empty() && isGraphicAscii(text.front()) && isGraphicAscii(text.back())) {
+        return text; // as most texts are
+    }
     std::size_t begin = 0;
     for (std::size_t next = 0; next < text.size() && isBlank(nextCodePoint(text, next));) {
         begin = next;
@@ -119,6 +126,18 @@ bool isWhiteSpace(std::string_view text) {
         }
     }
     return true;
+}
+
+bool startsWithNumber(std::string_view text) {
+    if (text.empty()) {
+        return false;
+    }
+    if (static_cast<unsigned char>(text.front()) < 0x80) {
+        return text.front() >= '0' && text.front() <= '9';
+    }
+    std::size_t at = 0;
+    const auto point = nextCodePoint(text, at);
+    return point >= 0 && u_getIntPropertyValue(point, UCHAR_NUMERIC_TYPE) != U_NT_NONE;
 }
 
 bool isValidUtf8(std::string_view bytes) {

@@ -13,6 +13,9 @@ namespace fernwick::support {
 // Whether the text holds nothing but white space and line ends. Empty text does.
 [[nodiscard]] bool isWhiteSpace(std::string_view text);
 
+// Whether the first character stands for a number in any script: a digit, a fraction, a numeral.
+[[nodiscard]] bool startsWithNumber(std::string_view text);
+
 // Whether the bytes are well-formed UTF-8.
 [[nodiscard]] bool isValidUtf8(std::string_view bytes);
 

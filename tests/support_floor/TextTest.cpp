@@ -18,6 +18,15 @@ TEST(Text, TrimBlanksKeepsLineEnds) {
     EXPECT_EQ(trimBlanks("\u2028 a"), "\u2028 a");
 }
 
+TEST(Text, NumbersOfEveryScriptAreNumbers) {
+    for (const auto* const text : {"7-Zip", "0", "٣", "⅚", "㊈", "万"}) {
+        EXPECT_TRUE(startsWithNumber(text)) << text;
+    }
+    for (const auto* const text : {"", "a1", "-1", " 1", ".1", "ế", "🚀", "\xFF", "\xE4\xB8"}) {
+        EXPECT_FALSE(startsWithNumber(text)) << text;
+    }
+}
+
 TEST(Text, TrimBlanksOfBlanksIsEmpty) {
     EXPECT_EQ(trimBlanks(""), "");
     EXPECT_EQ(trimBlanks(" \t\u3000"), "");
