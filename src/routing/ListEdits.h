@@ -45,8 +45,8 @@ void moveOffsets(std::vector<T>& list, const ListOffsets& fromOffsets, std::size
     const auto marks = marksOf(split, fromOffsets);
     const auto before = std::count(marks.begin(), marks.end(), true);
     auto moved = takeOffsets(list, fromOffsets);
-    list.insert(list.begin() + static_cast<std::ptrdiff_t>(split) - before, std::move_iterator(moved.begin()),
-                std::move_iterator(moved.end()));
+    const auto place = static_cast<std::ptrdiff_t>(split) - before; // in what is left, which may be nothing
+    list.insert(list.begin() + place, std::move_iterator(moved.begin()), std::move_iterator(moved.end()));
 }
 
 } // namespace fernwick
