@@ -1,4 +1,4 @@
-// Files that are written and removed whole.
+// Files that are read, written and removed whole.
 // Threads: any.
 #pragma once
 
@@ -16,6 +16,9 @@ struct FileError {
 // Permission bits of a file that its owner alone may read, write and run.
 inline constexpr unsigned kOwnerOnlyProgram = 0700;
 
+// Permission bits of a file that its owner alone may read and write.
+inline constexpr unsigned kOwnerOnlyFile = 0600;
+
 class FileSystem {
 public:
     virtual ~FileSystem() = default;
@@ -24,6 +27,18 @@ public:
     // permissions than `mode`. Does not wait until it is on disk. On failure nothing is left behind.
     [[nodiscard]] virtual std::expected<void, FileError> write(const std::string& path, std::string_view bytes,
                                                                unsigned mode) = 0;
+
+    // Makes the folder and those above it that are missing, for the owner alone. One that is there is success.
+    [[nodiscard]] virtual std::expected<void, FileError> makeFolder(const std::string& path) = 0;
+
+    // Whether there is anything at the path, links followed.
+    [[nodiscard]] virtual bool exists(const std::string& path) = 0;
+
+    // Whether the application may read what is at the path; false when nothing is there.
+    [[nodiscard]] virtual bool isReadable(const std::string& path) = 0;
+
+    // The bytes of a regular file.
+    [[nodiscard]] virtual std::expected<std::string, FileError> read(const std::string& path) = 0;
 
     // Removes a file.
     [[nodiscard]] virtual std::expected<void, FileError> remove(const std::string& path) = 0;

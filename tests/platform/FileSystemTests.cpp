@@ -71,6 +71,42 @@ TYPED_TEST(FileSystemContract, RemovesAFileOnce) {
     EXPECT_EQ(again.error().description, "No such file or directory");
 }
 
+TYPED_TEST(FileSystemContract, ReadsWhatWasWritten) {
+    auto& harness = this->harness_;
+    const auto missing = harness.files().read(harness.path());
+    ASSERT_FALSE(missing);
+    EXPECT_EQ(missing.error().code, ENOENT);
+    EXPECT_FALSE(harness.files().exists(harness.path()));
+    EXPECT_FALSE(harness.files().isReadable(harness.path()));
+    const std::string bytes("one\0two\xff", 8);
+    ASSERT_TRUE(harness.files().write(harness.path(), bytes, kOwnerOnlyFile));
+    EXPECT_EQ(harness.files().read(harness.path()), bytes);
+    EXPECT_TRUE(harness.files().exists(harness.path()));
+    EXPECT_TRUE(harness.files().isReadable(harness.path()));
+}
+
+TYPED_TEST(FileSystemContract, MakesAFolderAndThoseAboveItOnceAndAgain) {
+    auto& harness = this->harness_;
+    const auto folder = harness.path() + "/one/two";
+    EXPECT_FALSE(harness.files().exists(folder));
+    EXPECT_TRUE(harness.files().makeFolder(folder));
+    EXPECT_TRUE(harness.files().makeFolder(folder));
+    EXPECT_TRUE(harness.files().exists(folder));
+}
+
+TEST(PosixFileSystem, FolderThatIsAFileIsTold) {
+    PosixFilesHarness harness;
+    ASSERT_TRUE(harness.files().write(harness.path(), "text", kOwnerOnlyFile));
+    const auto made = harness.files().makeFolder(harness.path() + "/below");
+    ASSERT_FALSE(made);
+    EXPECT_EQ(made.error().code, ENOTDIR);
+}
+
+TEST(PosixFileSystem, ReadsNoFolder) {
+    PosixFilesHarness harness;
+    EXPECT_FALSE(harness.files().read(harness.folder.path()));
+}
+
 TEST(PosixFileSystem, ModeHoldsWhateverTheProcessMasks) {
     PosixFilesHarness harness;
     const auto before = umask(0777);

@@ -6,6 +6,7 @@
 
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -26,6 +27,30 @@ public:
         files.insert_or_assign(path, File{std::string(bytes), mode});
         return {};
     }
+    [[nodiscard]] std::expected<void, platform::FileError> makeFolder(const std::string& path) override {
+        if (folderFailure) {
+            return std::unexpected(*folderFailure);
+        }
+        folders.insert(path);
+        return {};
+    }
+    [[nodiscard]] bool exists(const std::string& path) override {
+        return files.contains(path) || folders.contains(path);
+    }
+    [[nodiscard]] bool isReadable(const std::string& path) override {
+        return exists(path) && !unreadable.contains(path);
+    }
+    [[nodiscard]] std::expected<std::string, platform::FileError> read(const std::string& path) override {
+        const auto found = files.find(path);
+        if (found == files.end()) {
+            return std::unexpected(platform::FileError{2, "No such file or directory"});
+        }
+        if (unreadable.contains(path) || broken.contains(path)) {
+            return unreadable.contains(path) ? std::unexpected(platform::FileError{13, "Permission denied"})
+                                             : std::unexpected(platform::FileError{5, "Input/output error"});
+        }
+        return found->second.bytes;
+    }
     [[nodiscard]] std::expected<void, platform::FileError> remove(const std::string& path) override {
         if (files.erase(path) == 0) {
             return std::unexpected(platform::FileError{2, "No such file or directory"});
@@ -34,7 +59,11 @@ public:
     }
 
     std::map<std::string, File> files;
+    std::set<std::string> folders;
+    std::set<std::string> unreadable; // paths that may not be read
+    std::set<std::string> broken;     // paths that may be read, and cannot be
     std::optional<platform::FileError> writeFailure;
+    std::optional<platform::FileError> folderFailure;
 };
 
 } // namespace fernwick::fakes

@@ -9,6 +9,10 @@ class PosixFileSystem final : public FileSystem {
 public:
     [[nodiscard]] std::expected<void, FileError> write(const std::string& path, std::string_view bytes,
                                                        unsigned mode) override;
+    [[nodiscard]] std::expected<void, FileError> makeFolder(const std::string& path) override;
+    [[nodiscard]] bool exists(const std::string& path) override;
+    [[nodiscard]] bool isReadable(const std::string& path) override;
+    [[nodiscard]] std::expected<std::string, FileError> read(const std::string& path) override;
     [[nodiscard]] std::expected<void, FileError> remove(const std::string& path) override;
 };
 
