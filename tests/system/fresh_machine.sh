@@ -26,7 +26,8 @@ say "Cloning $(git -C "$repository" log -1 --format='%h %s')"
 rm -rf "$machine/root/fernwick"
 git clone --quiet "file://$repository" "$machine/root/fernwick"
 
-# Packages come from where this machine gets its own: its sources, its proxy, its name server.
+# Packages come from where this machine gets its own: its sources, its proxy, its name server, whom it trusts.
+cp -L /etc/ssl/certs/ca-certificates.crt "$machine/etc/ssl/certs/ca-certificates.crt"
 rm -f "$machine/etc/apt/sources.list"
 for name in sources.list sources.list.d apt.conf.d; do
   [ ! -e "/etc/apt/$name" ] || cp -rL --no-preserve=ownership "/etc/apt/$name" "$machine/etc/apt/"
@@ -48,6 +49,7 @@ exec unshare --mount --pid --fork --kill-child --propagation private -- bash -c 
   mount -t tmpfs -o mode=1777 tmpfs "$machine/tmp"
   exec chroot "$machine" env -i PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
     HOME=/root USER=root LC_ALL=C.UTF-8 TERM="${TERM:-dumb}" \
+    NODE_EXTRA_CA_CERTS=/etc/ssl/certs/ca-certificates.crt \
     ${http_proxy:+http_proxy="$http_proxy"} ${https_proxy:+https_proxy="$https_proxy"} \
     sh -c '\''cd /root/fernwick && exec "$@"'\'' sh "$@"
 ' bash "$@"
