@@ -30,8 +30,8 @@ public:
     // Plans a rebuild of the engine's configuration from these tunnels and live ports. Main thread.
     virtual void scheduleRebuild(std::vector<Tunnel> tunnels, TunnelPortMap ports) = 0;
 
-    // Rebuilds the proxy auto-config text and points the system's proxy settings at it. Background queue;
-    // blocks.
+    // Rebuilds the proxy auto-config text from these live ports and the rules as they are now, and points the
+    // system's proxy settings at it: on a queue of background priority, later. Main thread.
     virtual void applySystemProxy(TunnelPortMap ports) = 0;
 
     // Takes the system's proxy settings back; with `wait`, returns when that is done. Background queue; blocks.

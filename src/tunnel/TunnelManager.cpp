@@ -295,10 +295,7 @@ void TunnelManager::refreshSystemProxy(const std::optional<support::Uuid>& id,
     if (id && port && !port->empty()) {
         ports.insert_or_assign(*id, *port);
     }
-    auto& routing = services_.routing;
-    services_.dispatch.global(platform::Priority::background, [&routing, ports = std::move(ports)]() mutable {
-        routing.applySystemProxy(std::move(ports));
-    });
+    services_.routing.applySystemProxy(std::move(ports));
 }
 
 void TunnelManager::refreshClashRules() {

@@ -76,8 +76,8 @@ public:
     [[nodiscard]] TunnelLogs& logs() { return logs_; }
     [[nodiscard]] const TunnelLogs& logs() const { return logs_; }
 
-    // Hands the live ports to the system's proxy settings on a background queue, with `id` and `port` added
-    // when both are given and the port is not empty.
+    // Has the system's proxy settings follow the live ports, with `id` and `port` added when both are given and
+    // the port is not empty.
     void refreshSystemProxy(const std::optional<support::Uuid>& id, const std::optional<std::string>& port);
 
     // Hands the tunnels and live ports to the engine.

@@ -107,6 +107,19 @@ TEST(WorkPool, WaitingWorkIsDroppedAndRunningWorkIsWaitedFor) {
     EXPECT_EQ(started, 0);
 }
 
+TEST(WorkPool, NothingIsTakenOnceItHasFinished) {
+    WorkPool pool;
+    std::atomic<int> done = 0;
+    pool.start(Priority::normal, [&] { ++done; });
+    ASSERT_TRUE(fakes::waitUntil([&] { return done == 1; }));
+    pool.finish();
+    const auto held = std::make_shared<int>(0);
+    pool.start(Priority::userInitiated, [held, &done] { ++done; });
+    EXPECT_EQ(held.use_count(), 1);
+    pool.finish();
+    EXPECT_EQ(done, 1);
+}
+
 TEST(WorkPool, ManyGiversLoseNothing) {
     std::atomic<int> count = 0;
     WorkPool pool;

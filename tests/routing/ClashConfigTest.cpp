@@ -62,6 +62,14 @@ TEST(ClashConfig, MixedIsWrittenByteForByte) {
     EXPECT_EQ(world.text(), goldenText("mixed.yaml"));
 }
 
+// The engine refuses two groups of one name, as `mixed` has them; this is the same catalogue without that.
+TEST(ClashConfig, DistinctNamesAreWrittenByteForByte) {
+    ClashWorld world;
+    fillMixed(world);
+    world.proxies[1].name = "HK secured";
+    EXPECT_EQ(world.text(), goldenText("distinct.yaml"));
+}
+
 TEST(ClashConfig, TunIsOnWhileATunnelIsLive) {
     ClashWorld world;
     const auto id = world.addTunnel("t", "");

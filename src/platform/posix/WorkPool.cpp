@@ -58,10 +58,15 @@ struct WorkPool::State {
 WorkPool::WorkPool() : state_(std::make_shared<State>()) {}
 
 WorkPool::~WorkPool() {
+    finish();
+}
+
+void WorkPool::finish() {
     decltype(State::waiting) dropped; // destroyed once the lock is gone
     std::unique_lock lock(state_->mutex);
     state_->closed = true;
     dropped.swap(state_->waiting);
+    state_->waitingCount = 0;
     state_->given.notify_all();
     state_->ended.wait(lock, [&] { return state_->threads == 0; });
 }

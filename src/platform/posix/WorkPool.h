@@ -19,8 +19,11 @@ public:
     WorkPool();
     WorkPool(const WorkPool&) = delete;
     WorkPool& operator=(const WorkPool&) = delete;
-    // Drops work that has not begun, and waits for what has.
+    // Finishes.
     ~WorkPool();
+
+    // Drops work that has not begun, and waits for what has; what is given later is dropped too.
+    void finish();
 
     // Runs the work on one of the threads.
     void start(Priority priority, Work work);

@@ -19,6 +19,9 @@ public:
     // Drops everything that has not begun, and waits for background work that has.
     ~QtDispatch() override;
 
+    // Drops background work that has not begun, now and from now on, and waits for what has.
+    void finishGlobal() { pool_.finish(); }
+
     void main(Work work) override;
     void mainAfter(Duration delay, Work work) override;
     void global(Priority priority, Work work) override;
