@@ -21,9 +21,13 @@ public:
     [[nodiscard]] virtual std::string activeAutoProxyURL(const std::string& service) = 0;
 
     // Each of these changes one setting of one service. A failure has no consequence for anyone, and is
-    // dropped.
+    // dropped; so is a change to a service that is not there. The address stays kept while it is switched off,
+    // and may be in force as soon as it is set: networksetup(8) does that.
     virtual void setAutoProxyURL(const std::string& service, std::string_view url) = 0;
     virtual void setAutoProxyState(const std::string& service, bool on) = 0;
+
+    // The proxies that a user enters by hand, by protocol; a system may have one switch for the three. Where
+    // an auto-proxy is in force they leave it so.
     virtual void setSocksFirewallProxyOff(const std::string& service) = 0;
     virtual void setWebProxyOff(const std::string& service) = 0;
     virtual void setSecureWebProxyOff(const std::string& service) = 0;
