@@ -1,0 +1,47 @@
+#include "routing/SystemProxyPath.h"
+
+#include "routing/PACBuilder.h"
+
+#include <utility>
+
+namespace fernwick {
+
+SystemProxyPath::SystemProxyPath(platform::NetworkProxySettings& settings, const platform::Clock& clock,
+                                 std::uint16_t pacPort, support::PrintLine print)
+    : server_(pacPort),
+      manager_(settings, clock, [this](std::string text) { server_.update(text); }, std::move(print)) {}
+
+template <class Work>
+void SystemProxyPath::takeTurn(Request request, Work work) {
+    const std::lock_guard lock(turn_);
+    if (request < done_) {
+        return;
+    }
+    done_ = request;
+    work();
+}
+
+void SystemProxyPath::start(platform::Dispatch& dispatch) {
+    server_.start();
+    dispatch.global(platform::Priority::background, [path = shared_from_this(), request = ++newest_] {
+        path->takeTurn(request, [&] { path->manager_.clearStale(path->server_.pacURL()); });
+    });
+}
+
+void SystemProxyPath::apply(platform::Dispatch& dispatch, std::shared_ptr<const RoutedRules> rules,
+                            TunnelPortMap ports) {
+    dispatch.global(platform::Priority::background,
+                    [path = shared_from_this(), request = ++newest_, rules = std::move(rules),
+                     ports = std::move(ports)] {
+                        path->takeTurn(request, [&] {
+                            path->manager_.apply(buildPAC(rules->enabled, rules->proxies, ports), ports,
+                                                 path->server_.pacURL());
+                        });
+                    });
+}
+
+void SystemProxyPath::removeAllProxy(std::string_view reason, bool wait) {
+    takeTurn(++newest_, [&] { manager_.removeAllProxy(reason, wait); });
+}
+
+} // namespace fernwick

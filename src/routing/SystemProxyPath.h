@@ -1,0 +1,65 @@
+// The way of applications that honour the system's proxy settings: the script is served, and the settings point
+// at it while a tunnel is up. Requests are numbered on the main thread and carried out on background queues;
+// one that comes to its turn after a newer one was carried out does nothing, so that the system is left as the
+// newest wants it, whatever the queues did. Threads: as each operation says.
+#pragma once
+
+#include "platform/Dispatch.h"
+#include "routing/AppRule.h"
+#include "routing/PACServer.h"
+#include "routing/ProxyConfig.h"
+#include "routing/SystemProxyManager.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string_view>
+#include <vector>
+
+namespace fernwick {
+
+// What a script is built from, as it was at one moment.
+struct RoutedRules {
+    std::vector<AppRule> enabled;
+    std::vector<ProxyConfig> proxies;
+};
+
+class SystemProxyPath : public std::enable_shared_from_this<SystemProxyPath> {
+public:
+    // The settings and the clock outlive the path.
+    SystemProxyPath(platform::NetworkProxySettings& settings, const platform::Clock& clock,
+                    std::uint16_t pacPort, support::PrintLine print);
+    SystemProxyPath(const SystemProxyPath&) = delete;
+    SystemProxyPath& operator=(const SystemProxyPath&) = delete;
+
+    // Starts serving; soon after, a setting that still points here from a run that was killed is taken away,
+    // unless a request came before that. Main thread.
+    void start(platform::Dispatch& dispatch);
+
+    // Has the settings follow these ports, later, on a queue of background priority. Main thread.
+    void apply(platform::Dispatch& dispatch, std::shared_ptr<const RoutedRules> rules, TunnelPortMap ports);
+
+    // Takes the settings back and serves a script that sends everything direct. Background queue; blocks.
+    void removeAllProxy(std::string_view reason, bool wait);
+
+    // Stops serving. Any thread.
+    void stop() { server_.stop(); }
+
+    [[nodiscard]] const PACServer& server() const { return server_; }
+
+private:
+    using Request = std::uint64_t;
+
+    // Runs the work unless a newer request was carried out already. One at a time.
+    template <class Work>
+    void takeTurn(Request request, Work work);
+
+    PACServer server_;
+    SystemProxyManager manager_;
+    std::atomic<Request> newest_ = 0;
+    std::mutex turn_; // guards what follows, and is held while a request is carried out
+    Request done_ = 0;
+};
+
+} // namespace fernwick
