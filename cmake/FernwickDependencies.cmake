@@ -7,7 +7,7 @@ pkg_check_modules(PLIST REQUIRED IMPORTED_TARGET libplist-2.0)
 pkg_check_modules(LIBSECRET REQUIRED IMPORTED_TARGET libsecret-1)
 
 if(FERNWICK_UI)
-  find_package(Qt6 REQUIRED COMPONENTS Widgets DBus Svg)
+  find_package(Qt6 REQUIRED COMPONENTS Widgets DBus Network Svg)
 endif()
 if(FERNWICK_TESTS)
   find_package(GTest REQUIRED)

@@ -27,6 +27,7 @@ struct ProcessRequest {
     std::vector<std::string> arguments;
     Environment environment;        // the child's whole environment
     std::string workingFolder = {}; // absolute; empty: the application's own
+    bool discardsOutput = false;    // standard output is the null device, as more may come than a pipe holds
 };
 
 // What is told while a child runs. Both are called on a queue of the backend's own, one call at a time.
@@ -41,9 +42,9 @@ struct ProcessHandlers {
 };
 
 // One child process. Start it once; it reports its end exactly once. Standard input is the null device;
-// standard output is a pipe that is never read. The child inherits no other descriptor, and does not outlive
-// the application. Threads: made and launched on the main thread; the other operations may be called from any
-// thread.
+// standard output is a pipe that is never read, unless it is discarded. The child inherits no other descriptor,
+// and does not outlive the application. Threads: made and launched on the main thread; the other operations may
+// be called from any thread.
 class ChildProcess {
 public:
     // Destroying the handle neither stops the child nor waits for it; its handlers are still called.

@@ -210,6 +210,15 @@ TEST_F(PosixProcessesTest, ChildRunsInItsWorkingFolder) {
     EXPECT_EQ(launched.error().description, "No such file or directory");
 }
 
+TEST_F(PosixProcessesTest, DiscardedOutputNeverFillsUp) {
+    const auto child = harness_.processes().makeChild();
+    ProcessRequest request{"/bin/sh", {"-c", "head -c 3000000 /dev/zero; exit 4"}, {{"PATH", "/usr/bin:/bin"}}};
+    request.discardsOutput = true;
+    ASSERT_TRUE(child->launch(request, told_.handlers()));
+    EXPECT_TRUE(harness_.waitUntil([&] { return told_.ended(); }));
+    EXPECT_EQ(told_.all(), std::vector<std::string>{"X:4"});
+}
+
 TEST_F(PosixProcessesTest, ProgramThatMayNotBeExecutedIsRefused) {
     const fakes::TemporaryFolder folder;
     folder.write("plain", "text");

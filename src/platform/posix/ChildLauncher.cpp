@@ -173,15 +173,16 @@ ChildLauncher::ChildLauncher() {
 std::expected<LaunchedChild, LaunchError> ChildLauncher::launch(const std::string& executable,
                                                                 const std::vector<std::string>& arguments,
                                                                 const Environment* environment,
-                                                                const std::string& workingFolder) const {
+                                                                const std::string& workingFolder,
+                                                                ChildOutput wanted) const {
     std::vector<std::string> words{executable};
     words.insert(words.end(), arguments.begin(), arguments.end());
     auto variables = environment != nullptr ? environmentWords(*environment) : std::vector<std::string>();
     if (anyHasNul(words) || anyHasNul(variables) || workingFolder.contains('\0')) {
         return std::unexpected(launchError(EINVAL));
     }
-    const auto input = aboveStandard(FileDescriptor(open("/dev/null", O_RDONLY | O_CLOEXEC)));
-    if (!input) {
+    const auto null = aboveStandard(FileDescriptor(open("/dev/null", O_RDWR | O_CLOEXEC)));
+    if (!null) {
         return std::unexpected(launchError(errno));
     }
     auto output = makePipe();
@@ -198,8 +199,8 @@ std::expected<LaunchedChild, LaunchError> ChildLauncher::launch(const std::strin
                                  .workingFolder = workingFolder.empty() ? nullptr : workingFolder.c_str(),
                                  .descriptorLimit = startLimit_,
                                  .parent = getpid(),
-                                 .input = input.get(),
-                                 .output = output->writeEnd.get(),
+                                 .input = null.get(),
+                                 .output = (wanted == ChildOutput::pipe ? output->writeEnd : null).get(),
                                  .error = error->writeEnd.get(),
                                  .report = report->writeEnd.get()});
     if (pid < 0) {

@@ -20,6 +20,9 @@ struct LaunchedChild {
     FileDescriptor standardError;
 };
 
+// Where a child's standard output goes.
+enum class ChildOutput { pipe, nullDevice };
+
 class ChildLauncher {
 public:
     // Raises this process's limit of open descriptors, since each child takes three. Children get the limit
@@ -30,12 +33,13 @@ public:
     ~ChildLauncher() = default;
 
     // Returns once the program runs or could not be executed; the caller's thread waits for that. The child has
-    // the null device as standard input, pipes as output and error, every signal at its default and none
-    // blocked. Without an environment, and with an empty working folder, it gets the process's own.
-    [[nodiscard]] std::expected<LaunchedChild, LaunchError> launch(const std::string& executable,
-                                                                   const std::vector<std::string>& arguments,
-                                                                   const Environment* environment,
-                                                                   const std::string& workingFolder = {}) const;
+    // the null device as standard input, pipes as output (unless told otherwise) and error, every signal at its
+    // default and none blocked. Without an environment, and with an empty working folder, it gets the process's
+    // own.
+    [[nodiscard]] std::expected<LaunchedChild, LaunchError>
+    launch(const std::string& executable, const std::vector<std::string>& arguments,
+           const Environment* environment, const std::string& workingFolder = {},
+           ChildOutput output = ChildOutput::pipe) const;
 
 private:
     rlimit startLimit_{}; // of open descriptors

@@ -15,7 +15,8 @@ std::expected<void, LaunchError> PosixChildProcess::launch(ProcessRequest reques
         return std::unexpected(LaunchError{code, describeError(code)});
     }
     auto launched =
-        launcher_.launch(request.executable, request.arguments, &request.environment, request.workingFolder);
+        launcher_.launch(request.executable, request.arguments, &request.environment, request.workingFolder,
+                         request.discardsOutput ? ChildOutput::nullDevice : ChildOutput::pipe);
     if (!launched) {
         return std::unexpected(std::move(launched.error()));
     }

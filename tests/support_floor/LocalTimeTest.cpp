@@ -1,0 +1,37 @@
+#include "support/LocalTime.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <ctime>
+
+namespace fernwick::support {
+namespace {
+
+std::string textIn(const char* zone, Date date) {
+    setenv("TZ", zone, 1); // NOLINT(concurrency-mt-unsafe): no other thread runs
+    tzset();
+    return localTimeText(date);
+}
+
+TEST(LocalTime, IsThatOfTheMachinesZone) {
+    EXPECT_EQ(textIn("UTC", {0}), "00:00:00");
+    EXPECT_EQ(textIn("ICT-7", {0}), "07:00:00");
+    EXPECT_EQ(textIn("EST5", {3723}), "20:02:03");
+}
+
+TEST(LocalTime, PartsOfASecondAreCutOff) {
+    EXPECT_EQ(textIn("UTC", {59.999}), "00:00:59");
+    EXPECT_EQ(textIn("UTC", {-0.5}), "23:59:59");
+}
+
+TEST(LocalTime, SummerTimeCounts) {
+    constexpr const char* kZone = "CET-1CEST,M3.5.0,M10.5.0/3";
+    constexpr Date kWinterNoon{790171200.0}; // 2026-01-15T12:00:00Z
+    constexpr Date kSummerNoon{805809600.0}; // 2026-07-15T12:00:00Z
+    EXPECT_EQ(textIn(kZone, kWinterNoon), "13:00:00");
+    EXPECT_EQ(textIn(kZone, kSummerNoon), "14:00:00");
+}
+
+} // namespace
+} // namespace fernwick::support
