@@ -36,6 +36,8 @@ public:
         }
     }
 
+    [[nodiscard]] int pid() const { return child_.pid; }
+
     void signal(int number) const { signalProcess(child_.process, number); }
 
     // What it has written to standard output so far.

@@ -13,6 +13,17 @@ bool dieWithParent(int parent) noexcept {
     return prctl(PR_SET_PDEATHSIG, SIGKILL) == 0 && getppid() == parent;
 }
 
+void resetSignals() noexcept {
+    struct sigaction standard = {};
+    standard.sa_handler = SIG_DFL;
+    for (int signal = 1; signal < NSIG; ++signal) {
+        sigaction(signal, &standard, nullptr); // fails for those that cannot be changed
+    }
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
 void closeOthersOnExec() noexcept {
     if (close_range(3, ~0U, CLOSE_RANGE_CLOEXEC) == 0) {
         return;

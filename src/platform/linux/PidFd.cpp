@@ -23,6 +23,21 @@ bool hasEnded(const FileDescriptor& process) {
     return hasEvent(process);
 }
 
+bool awaitEnd(const FileDescriptor& process, std::chrono::milliseconds limit) {
+    using Clock = std::chrono::steady_clock;
+    const auto deadline = Clock::now() + limit;
+    pollfd request{process.get(), POLLIN, 0};
+    while (true) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
+        if (const int count = poll(&request, 1, static_cast<int>(left > 0 ? left : 0)); count >= 0) {
+            return count > 0;
+        }
+        if (errno != EINTR) {
+            return false;
+        }
+    }
+}
+
 void signalProcess(const FileDescriptor& process, int signal) {
     // The only failure that happens is that the process has ended, and then the signal has no one to reach.
     syscall(SYS_pidfd_send_signal, process.get(), signal, nullptr, 0);

@@ -4,6 +4,8 @@
 
 #include "platform/posix/FileDescriptor.h"
 
+#include <chrono>
+
 namespace fernwick::platform {
 
 // The descriptor of a process; nothing open, and errno set, when there is none to be had.
@@ -14,6 +16,9 @@ namespace fernwick::platform {
 
 // Whether the process has ended, reaped or not.
 [[nodiscard]] bool hasEnded(const FileDescriptor& process);
+
+// Waits for the end of any process, a child of ours or not. False when it lives longer than that.
+[[nodiscard]] bool awaitEnd(const FileDescriptor& process, std::chrono::milliseconds limit);
 
 // Sends a signal; nothing happens when the process is gone.
 void signalProcess(const FileDescriptor& process, int signal);

@@ -2,6 +2,8 @@
 
 #include "platform/linux/ChildGuard.h"
 #include "platform/linux/PidFd.h"
+#include "platform/posix/ExecWords.h"
+#include "platform/posix/Pipe.h"
 #include "platform/posix/SystemError.h"
 
 #include <algorithm>
@@ -16,11 +18,6 @@ namespace fernwick::platform {
 namespace {
 
 constexpr rlim_t kWantedDescriptors = 65536;
-
-struct Pipe {
-    FileDescriptor readEnd;
-    FileDescriptor writeEnd;
-};
 
 // All that the child needs, prepared beforehand: it may share our memory and must not allocate.
 struct ChildPlan {
@@ -40,34 +37,6 @@ LaunchError launchError(int code) {
     return {code, describeError(code)};
 }
 
-// Above the standard descriptors, where the child can put it into its place without stepping on another.
-FileDescriptor aboveStandard(FileDescriptor descriptor) {
-    if (!descriptor || descriptor.get() > STDERR_FILENO) {
-        return descriptor;
-    }
-    return FileDescriptor(fcntl(descriptor.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
-}
-
-std::expected<Pipe, LaunchError> makePipe() {
-    int ends[2] = {-1, -1};
-    if (pipe2(ends, O_CLOEXEC) != 0) {
-        return std::unexpected(launchError(errno));
-    }
-    Pipe pipe{aboveStandard(FileDescriptor(ends[0])), aboveStandard(FileDescriptor(ends[1]))};
-    if (!pipe.readEnd || !pipe.writeEnd) {
-        return std::unexpected(launchError(errno));
-    }
-    return pipe;
-}
-
-void resetSignals() noexcept {
-    struct sigaction standard = {};
-    standard.sa_handler = SIG_DFL;
-    for (int signal = 1; signal < NSIG; ++signal) {
-        sigaction(signal, &standard, nullptr); // fails for those that cannot be changed
-    }
-}
-
 [[noreturn]] void becomeProgram(const ChildPlan& plan) noexcept {
     if (!dieWithParent(plan.parent)) {
         _exit(127);
@@ -81,9 +50,6 @@ void resetSignals() noexcept {
     } else {
         closeOthersOnExec();
         setrlimit(RLIMIT_NOFILE, &plan.descriptorLimit);
-        sigset_t none;
-        sigemptyset(&none);
-        sigprocmask(SIG_SETMASK, &none, nullptr);
         execve(plan.executable, plan.arguments, plan.environment);
         code = errno;
     }
@@ -109,17 +75,6 @@ pid_t makeChild(const ChildPlan& plan) {
     return pid;
 }
 
-// The words as execve wants them. They stay owned by `words`, and are not changed.
-std::vector<char*> wordPointers(std::vector<std::string>& words) {
-    std::vector<char*> pointers;
-    pointers.reserve(words.size() + 1);
-    for (auto& word : words) {
-        pointers.push_back(word.data());
-    }
-    pointers.push_back(nullptr);
-    return pointers;
-}
-
 // The error number of a failed exec, or 0.
 int awaitExec(Pipe& report) {
     report.writeEnd.reset();
@@ -138,10 +93,6 @@ void reap(pid_t pid) {
 
 void setNonBlocking(const FileDescriptor& descriptor) {
     fcntl(descriptor.get(), F_SETFL, fcntl(descriptor.get(), F_GETFL) | O_NONBLOCK);
-}
-
-bool anyHasNul(const std::vector<std::string>& words) {
-    return std::ranges::any_of(words, [](const auto& word) { return word.contains('\0'); });
 }
 
 std::vector<std::string> environmentWords(const Environment& environment) {
@@ -189,7 +140,7 @@ std::expected<LaunchedChild, LaunchError> ChildLauncher::launch(const std::strin
     auto error = output ? makePipe() : std::unexpected(output.error());
     auto report = error ? makePipe() : std::unexpected(error.error());
     if (!report) {
-        return std::unexpected(report.error());
+        return std::unexpected(launchError(report.error()));
     }
     const auto argumentPointers = wordPointers(words);
     const auto variablePointers = wordPointers(variables);

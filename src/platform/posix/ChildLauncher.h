@@ -1,4 +1,4 @@
-// Starts programs: the one place that makes processes.
+// Starts programs that are children of the application; DetachedLauncher starts what is not.
 // Threads: any. The child is killed when the thread that launched it ends, so launch from one that stays.
 #pragma once
 
