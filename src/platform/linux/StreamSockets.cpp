@@ -21,8 +21,8 @@ Pipe openPipe() {
     return {FileDescriptor(ends[0]), FileDescriptor(ends[1])};
 }
 
-ssize_t sendSome(const FileDescriptor& socket, std::string_view bytes) {
-    return send(socket.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+ssize_t sendLast(const FileDescriptor& socket, std::string_view bytes) {
+    return send(socket.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_MORE);
 }
 
 } // namespace fernwick::platform

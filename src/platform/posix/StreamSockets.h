@@ -25,7 +25,8 @@ struct Pipe {
 // Both ends are empty when it fails.
 [[nodiscard]] Pipe openPipe();
 
-// Sends what fits at this moment; returns how many bytes that were, or -1 (send(2)).
-[[nodiscard]] ssize_t sendSome(const FileDescriptor& socket, std::string_view bytes);
+// Sends what fits at this moment; returns how many bytes that were, or -1 (send(2)). For what is followed by
+// the end of the connection: the last bytes may be kept back, to go in one packet with it.
+[[nodiscard]] ssize_t sendLast(const FileDescriptor& socket, std::string_view bytes);
 
 } // namespace fernwick::platform
