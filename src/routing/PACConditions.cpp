@@ -11,6 +11,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <string_view>
 
@@ -66,18 +67,26 @@ void addRange(Alternatives& condition, std::string_view first, std::string_view 
                   "})()");
 }
 
-// The address mask with so many bits set from the top, in dotted form.
-std::string maskOf(unsigned prefix) {
-    const auto mask = static_cast<std::uint32_t>(~std::uint64_t{0} << (32 - prefix));
-    return fmt::format("{}.{}.{}.{}", mask >> 24U, mask >> 16U & 255U, mask >> 8U & 255U, mask & 255U);
+// The address masks in dotted form, by how many bits are set from the top.
+using Masks = std::array<std::string, 33>;
+
+Masks allMasks() {
+    Masks masks;
+    for (std::size_t prefix = 0; prefix < masks.size(); ++prefix) {
+        const auto mask = static_cast<std::uint32_t>(~std::uint64_t{0} << (32 - prefix));
+        masks.at(prefix) =
+            fmt::format("{}.{}.{}.{}", mask >> 24U, mask >> 16U & 255U, mask >> 8U & 255U, mask & 255U);
+    }
+    return masks;
 }
 
 void addNetwork(Alternatives& condition, std::string_view network) {
     const auto parts = twoPieces(network, '/');
-    const auto prefix = parts ? support::parseInteger<int>(parts->second) : std::nullopt;
-    if (prefix && *prefix >= 0 && *prefix <= 32) {
+    const auto prefix = parts ? support::parseInteger<std::int64_t>(parts->second) : std::nullopt;
+    static const Masks masks = allMasks();
+    if (prefix && *prefix >= 0 && *prefix < std::ssize(masks)) {
         condition.add("isInNet(dnsResolve(host)||host, \"", parts->first, "\", \"",
-                      maskOf(static_cast<unsigned>(*prefix)), "\")");
+                      masks.at(static_cast<std::size_t>(*prefix)), "\")");
     }
 }
 
@@ -86,7 +95,6 @@ void addNetwork(Alternatives& condition, std::string_view network) {
 std::string patternOf(std::string_view host) {
     constexpr std::string_view kSpecial = "*?+[(){}^$|\\./";
     std::string pattern;
-    pattern.reserve(2 * host.size());
     for (const char c : host) {
         if (c == '*') {
             pattern += ".*";
