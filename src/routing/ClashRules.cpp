@@ -1,13 +1,13 @@
 #include "routing/ClashRules.h"
 
 #include "routing/IPv4Text.h"
+#include "routing/RuleElements.h"
 #include "routing/TextLines.h"
 #include "support/Text.h"
 
 #include <array>
 #include <bitset>
 #include <cstddef>
-#include <cstdint>
 
 namespace fernwick {
 
@@ -63,40 +63,6 @@ std::string keywordOf(std::string_view pattern) {
     return begin == std::string::npos ? "" : word.substr(begin, word.find_last_not_of('.') + 1 - begin);
 }
 
-// What a host pattern has in it, found in one walk.
-struct HostMarks {
-    bool slash = false;
-    bool hyphen = false;
-    bool asterisk = false;
-    bool letter = false; // anything that no number has
-
-    explicit HostMarks(std::string_view host) {
-        unsigned all = 0;
-        for (const char c : host) {
-            all |= kClasses[static_cast<unsigned char>(c)];
-        }
-        slash = (all & kSlash) != 0;
-        hyphen = (all & kHyphen) != 0;
-        asterisk = (all & kAsterisk) != 0;
-        letter = (all & kLetter) != 0;
-    }
-
-private:
-    enum Class : std::uint8_t { kSlash = 1, kHyphen = 2, kAsterisk = 4, kLetter = 8 };
-
-    static constexpr auto kClasses = [] {
-        std::array<std::uint8_t, 256> classes{};
-        classes.fill(kLetter);
-        for (const char c : std::string_view("0123456789.+")) {
-            classes[static_cast<unsigned char>(c)] = 0;
-        }
-        classes['-'] = kHyphen;
-        classes['/'] |= kSlash;
-        classes['*'] |= kAsterisk;
-        return classes;
-    }();
-};
-
 // A network, a range, a domain with its subdomains, or a part of one.
 void appendHostRules(std::string& text, std::string_view host, std::string_view target) {
     const HostMarks has(host);
@@ -124,15 +90,6 @@ void appendApplicationRules(std::string& text, std::string_view application, std
         appendRange(text, application, target);
     } else {
         appendLine(text, "  - PROCESS-NAME,", application, ",", target);
-    }
-}
-
-// Calls `use` with each element, trimmed, that is not empty then.
-void forEachElement(const std::vector<std::string>& elements, const auto& use) {
-    for (const auto& element : elements) {
-        if (const auto trimmed = support::trimBlanks(element); !trimmed.empty()) {
-            use(trimmed);
-        }
     }
 }
 

@@ -27,7 +27,7 @@ bool isUsualService(std::string_view name) {
 } // namespace
 
 SystemProxyManager::SystemProxyManager(platform::NetworkProxySettings& settings, const platform::Clock& clock,
-                                       UpdatePAC updatePAC, Print print)
+                                       UpdatePAC updatePAC, support::PrintLine print)
     : settings_(settings), clock_(clock), updatePAC_(std::move(updatePAC)), print_(std::move(print)) {}
 
 std::vector<std::string> SystemProxyManager::allNetworkServices() const {

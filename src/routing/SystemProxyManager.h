@@ -6,7 +6,7 @@
 
 #include "platform/Clock.h"
 #include "platform/NetworkProxySettings.h"
-#include "routing/Console.h"
+#include "support/StandardOutput.h"
 #include "tunnel/RoutingLayer.h"
 
 #include <chrono>
@@ -27,7 +27,7 @@ public:
 
     // The settings and the clock outlive the manager. The functions are called on the caller's thread.
     SystemProxyManager(platform::NetworkProxySettings& settings, const platform::Clock& clock,
-                       UpdatePAC updatePAC, Print print = printToStandardOutput);
+                       UpdatePAC updatePAC, support::PrintLine print = support::printLine);
 
     // Every service that is enabled.
     [[nodiscard]] std::vector<std::string> allNetworkServices() const;
@@ -56,7 +56,7 @@ private:
     platform::NetworkProxySettings& settings_;
     const platform::Clock& clock_;
     UpdatePAC updatePAC_;
-    Print print_;
+    support::PrintLine print_;
 };
 
 } // namespace fernwick

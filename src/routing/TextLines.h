@@ -1,4 +1,4 @@
-// Lines appended to a text piece by piece, without a temporary text in between.
+// Text appended piece by piece, without a temporary text in between.
 // Threads: any.
 #pragma once
 
@@ -32,19 +32,24 @@ inline char* put(char* out, const std::string_view& piece) {
 
 } // namespace detail
 
-// Appends the pieces and a line feed. A piece is a string literal, or converts to std::string_view.
+// Appends the pieces. A piece is a string literal, or converts to std::string_view.
 template <class... Piece>
-void appendLine(std::string& text, const Piece&... pieces) {
+void appendPieces(std::string& text, const Piece&... pieces) {
     const std::size_t start = text.size();
-    const std::size_t size = (start + ... + detail::sizeOf(pieces)) + 1;
+    const std::size_t size = (start + ... + detail::sizeOf(pieces));
     const auto write = [&](char* data) {
         char* at = data + start;
         ((at = detail::put(at, pieces)), ...);
-        *at = '\n';
         return size;
     };
     // The string takes its operation by value; one that only refers to what it needs is passed in a register.
     text.resize_and_overwrite(size, [&write](char* data, std::size_t) { return write(data); });
+}
+
+// The same, and a line feed.
+template <class... Piece>
+void appendLine(std::string& text, const Piece&... pieces) {
+    appendPieces(text, pieces..., "\n");
 }
 
 } // namespace fernwick

@@ -5,6 +5,9 @@
 #include "catalogue/TagManager.h"
 #include "catalogue/TunnelStore.h"
 #include "platform/AppNotifications.h"
+#include "platform/linux/DesktopProxySettings.h"
+#include "platform/linux/EngineService.h"
+#include "platform/linux/PkexecShell.h"
 #include "platform/linux/RouteNetworkMonitor.h"
 #include "platform/linux/SecretServiceKeychain.h"
 #include "platform/posix/FileUserDefaults.h"
@@ -18,13 +21,14 @@
 #include "platform/qt/LogindPowerEvents.h"
 #include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtDispatch.h"
+#include "platform/qt/QtHttpClient.h"
 #include "platform/qt/QtPasteboard.h"
+#include "routing/Routing.h"
 #include "screens/theme/Theme.h"
 #include "shell/AppDelegate.h"
 #include "shell/MainWindowScene.h"
 #include "shell/WindowManager.h"
 #include "support/NotificationCenter.h"
-#include "tunnel/RoutingLayer.h"
 #include "tunnel/TunnelManager.h"
 
 #include <QApplication>
@@ -49,11 +53,24 @@ void explainMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/
     }
 }
 
+std::string programFolder() {
+    return QCoreApplication::applicationDirPath().toStdString();
+}
+
 // What a person calls the record with that id; empty when it is gone.
 template <class Record>
 std::string nameOf(const std::vector<Record>& records, const support::Uuid& id) {
     const auto found = std::ranges::find(records, id, &Record::id);
     return found != records.end() ? found->name : std::string();
+}
+
+// Where the engine's program and Homebrew are looked for, in this order; the program beside the application first.
+std::vector<std::string> engineCandidates() {
+    return {programFolder() + "/mihomo", "/home/linuxbrew/.linuxbrew/bin/mihomo", "/usr/local/bin/mihomo",
+            "/usr/bin/mihomo"};
+}
+std::vector<std::string> brewCandidates() {
+    return {"/home/linuxbrew/.linuxbrew/bin/brew", "/opt/homebrew/bin/brew", "/usr/local/bin/brew"};
 }
 
 } // namespace
@@ -67,6 +84,10 @@ struct FernwickApp::Backends {
     platform::PosixProcesses processes{dispatch, launcher};
     platform::PosixCommandRunner commands{launcher};
     platform::PosixFileSystem files;
+    platform::QtHttpClient http{dispatch};
+    std::unique_ptr<platform::ServiceControl> engineService = makeEngineService(files, commands, host);
+    platform::PkexecShell administrator{commands};
+    platform::DesktopProxySettings proxySettings{commands, host, files};
     platform::SecretServiceKeychain keychain{host};
     platform::LogindPowerEvents power{dispatch, host};
     platform::DBusSingleInstance instance{host};
@@ -81,6 +102,22 @@ struct FernwickApp::Scene {
     Scene(QApplication& application, Backends& backends)
         : theme(application),
           defaults(backends.defaultsProvider.open(kDefaultsDomain)),
+          rules(*defaults, backends.dispatch),
+          routing({.engine = {.dispatch = backends.dispatch,
+                              .clock = backends.clock,
+                              .files = backends.files,
+                              .commands = backends.commands,
+                              .http = backends.http,
+                              .service = *backends.engineService,
+                              .administrator = backends.administrator,
+                              .host = backends.host,
+                              .binaryCandidates = engineCandidates(),
+                              .bundle = programFolder()},
+                   .processes = backends.processes,
+                   .proxySettings = backends.proxySettings,
+                   .rules = rules,
+                   .brewCandidates = brewCandidates(),
+                   .tunnelPortMap = [this] { return tunnels.tunnelPortMap(); }}),
           store(*defaults, backends.clock),
           keychain(
               backends.keychain, [this](const support::Uuid& id) { return nameOf(store.tunnels(), id); },
@@ -109,7 +146,8 @@ struct FernwickApp::Scene {
 
     Theme theme;
     std::unique_ptr<platform::UserDefaults> defaults;
-    NoRouting routing;
+    ProxyRuleStore rules;
+    Routing routing;
     TunnelStore store;
     KeychainStore keychain;
     TunnelManager tunnels;
@@ -131,8 +169,8 @@ int FernwickApp::run() {
     if (backends_->instance.claim() == platform::SingleInstance::Claim::second) {
         return EXIT_SUCCESS;
     }
-    scene_ = std::make_unique<Scene>(application_, *backends_);
     const platform::TerminationSignals signals(backends_->dispatch, [this] { application_.quit(); });
+    scene_ = std::make_unique<Scene>(application_, *backends_);
     const auto reopened = backends_->instance.reopened.connect(
         [this] { scene_->delegate.applicationShouldHandleReopen(scene_->mainWindow.isVisible()); });
     QObject::connect(&application_, &QCoreApplication::aboutToQuit, &application_, [this] { terminate(); });
@@ -140,8 +178,10 @@ int FernwickApp::run() {
     scene_->delegate.applicationDidFinishLaunching();
     scene_->mainWindow.open();
     const int status = QApplication::exec();
+    // What works in the background works on the scene. A command that hangs is waited for by nobody.
+    backends_->commands.abandonAll();
+    backends_->dispatch.finishGlobal();
     scene_.reset();
-    backends_->commands.abandonAll(); // the pool, which ends next, would wait for a command that hangs
     return status;
 }
 

@@ -187,10 +187,4 @@ TEST_F(SystemProxyManagerTest, NoAddressIsNeverStale) {
     EXPECT_THAT(settings_->calls(), ElementsAre("list", "url Wi-Fi"));
 }
 
-TEST(Console, LineEndsWithOneLineFeed) {
-    testing::internal::CaptureStdout();
-    printToStandardOutput("[Who] 🔴 what");
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "[Who] 🔴 what\n");
-}
-
 } // namespace fernwick

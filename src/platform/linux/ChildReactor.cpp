@@ -1,6 +1,6 @@
 #include "platform/linux/ChildReactor.h"
 
-#include "platform/linux/ThreadName.h"
+#include "platform/ThreadName.h"
 
 #include <array>
 #include <cerrno>

@@ -1,7 +1,7 @@
 #include "platform/linux/RouteNetworkMonitor.h"
 
+#include "platform/ThreadName.h"
 #include "platform/linux/NetworkPath.h"
-#include "platform/linux/ThreadName.h"
 
 #include <array>
 #include <cerrno>

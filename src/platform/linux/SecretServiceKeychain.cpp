@@ -1,7 +1,7 @@
 #include "platform/linux/SecretServiceKeychain.h"
 
+#include "platform/ThreadName.h"
 #include "platform/linux/SecretServiceClient.h"
-#include "platform/linux/ThreadName.h"
 
 #include <condition_variable>
 #include <deque>

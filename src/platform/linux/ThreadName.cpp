@@ -1,4 +1,4 @@
-#include "platform/linux/ThreadName.h"
+#include "platform/ThreadName.h"
 
 #include <algorithm>
 #include <pthread.h>

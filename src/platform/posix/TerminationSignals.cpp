@@ -1,6 +1,6 @@
 #include "platform/posix/TerminationSignals.h"
 
-#include "platform/linux/ThreadName.h"
+#include "platform/ThreadName.h"
 
 #include <array>
 #include <atomic>

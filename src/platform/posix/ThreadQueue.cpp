@@ -1,6 +1,6 @@
 #include "platform/posix/ThreadQueue.h"
 
-#include "platform/linux/ThreadName.h"
+#include "platform/ThreadName.h"
 
 namespace fernwick::platform {
 
