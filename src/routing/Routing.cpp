@@ -48,7 +48,8 @@ void Routing::scheduleRebuild(std::vector<Tunnel> tunnels, TunnelPortMap ports) 
 void Routing::applySystemProxy(TunnelPortMap ports) {
     // Fifty tunnels that come up at once share one copy of ten thousand rules.
     if (!routed_) {
-        routed_ = std::make_shared<const RoutedRules>(services_.rules.enabledRules(), services_.rules.proxies());
+        routed_ =
+            std::make_shared<const RoutedRules>(services_.rules.enabledRules(), services_.rules.proxies());
     }
     systemProxy_->apply(services_.engine.dispatch, routed_, std::move(ports));
 }

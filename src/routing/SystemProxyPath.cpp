@@ -30,14 +30,13 @@ void SystemProxyPath::start(platform::Dispatch& dispatch) {
 
 void SystemProxyPath::apply(platform::Dispatch& dispatch, std::shared_ptr<const RoutedRules> rules,
                             TunnelPortMap ports) {
-    dispatch.global(platform::Priority::background,
-                    [path = shared_from_this(), request = ++newest_, rules = std::move(rules),
-                     ports = std::move(ports)] {
-                        path->takeTurn(request, [&] {
-                            path->manager_.apply(buildPAC(rules->enabled, rules->proxies, ports), ports,
-                                                 path->server_.pacURL());
-                        });
-                    });
+    dispatch.global(platform::Priority::background, [path = shared_from_this(), request = ++newest_,
+                                                     rules = std::move(rules), ports = std::move(ports)] {
+        path->takeTurn(request, [&] {
+            path->manager_.apply(buildPAC(rules->enabled, rules->proxies, ports), ports,
+                                 path->server_.pacURL());
+        });
+    });
 }
 
 void SystemProxyPath::removeAllProxy(std::string_view reason, bool wait) {

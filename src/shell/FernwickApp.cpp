@@ -64,7 +64,8 @@ std::string nameOf(const std::vector<Record>& records, const support::Uuid& id) 
     return found != records.end() ? found->name : std::string();
 }
 
-// Where the engine's program and Homebrew are looked for, in this order; the program beside the application first.
+// Where the engine's program and Homebrew are looked for, in this order; the program beside the application
+// first.
 std::vector<std::string> engineCandidates() {
     return {programFolder() + "/mihomo", "/home/linuxbrew/.linuxbrew/bin/mihomo", "/usr/local/bin/mihomo",
             "/usr/bin/mihomo"};

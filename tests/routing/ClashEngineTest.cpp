@@ -1,7 +1,10 @@
 #include "EngineWorld.h"
+#include "support/WaitUntil.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <thread>
 
 namespace fernwick {
 namespace {
@@ -271,6 +274,22 @@ TEST(ClashEngine, StopIsAskedForWhileTheMainQueueStands) {
     EXPECT_TRUE(asked);
     EXPECT_EQ(world.calls("terminate"), 1);
     EXPECT_EQ(world.printed.back(), "[ClashEngine] [00:00:01] mihomo stopped");
+}
+
+TEST(ClashEngine, ServiceIsNotEndedWhileItIsBeingStarted) {
+    EngineWorld world;
+    std::thread other;
+    world.service.whileRestarting = [&] {
+        world.engine->stop();
+        other = std::thread([&] { world.dispatch.runGlobal(); });
+        EXPECT_TRUE(fakes::staysTrue([&] { return world.calls("terminate") == 0; }));
+    };
+    world.engine->start("text");
+    world.dispatch.runMain();
+    world.dispatch.runGlobal();
+    ASSERT_TRUE(other.joinable());
+    other.join();
+    EXPECT_EQ(world.service.calls().back(), "terminate");
 }
 
 TEST(ClashEngine, QueuedWorkOfAnEngineThatIsGoneComesToNothing) {

@@ -48,9 +48,7 @@ struct RoutingWorld : EngineWorld {
         rules.addRule(rule);
     }
 
-    [[nodiscard]] std::string url() const {
-        return "http://127.0.0.1:" + std::to_string(port) + "/proxy.pac";
-    }
+    [[nodiscard]] std::string url() const { return "http://127.0.0.1:" + std::to_string(port) + "/proxy.pac"; }
 
     // The script that a client gets.
     [[nodiscard]] std::string script() const {
@@ -175,7 +173,7 @@ TEST(Routing, EndWaitsUntilTheSystemTookTheStop) {
     EXPECT_TRUE(fakes::waitUntil([&] { return world.dispatch.runGlobal() > 0; }));
     EXPECT_TRUE(fakes::waitUntil([&] { return returned.load(); }));
     end.join();
-    EXPECT_EQ(world.service.terminations, 1);
+    EXPECT_EQ(world.service.calls(), Texts{"terminate"});
 }
 
 } // namespace
