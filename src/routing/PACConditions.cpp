@@ -26,8 +26,11 @@ public:
 
     template <class... Piece>
     void add(const Piece&... pieces) {
-        constexpr std::string_view kOr = "\n    || ";
-        appendPieces(text_, text_.size() == start_ ? std::string_view() : kOr, pieces...);
+        if (text_.size() == start_) {
+            appendPieces(text_, pieces...);
+        } else {
+            appendPieces(text_, "\n    || ", pieces...);
+        }
     }
 
 private:

@@ -7,10 +7,8 @@
 #include <arpa/inet.h>
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <cstdint>
 #include <netinet/in.h>
-#include <optional>
 #include <poll.h>
 #include <string>
 #include <string_view>

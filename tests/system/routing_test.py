@@ -91,7 +91,7 @@ class Routing(SshTest):
         self.on()
         wait_until(lambda: f'return "SOCKS5 127.0.0.1:{self.port}; DIRECT";' in self.served(), "the rule is served")
         self.assertEqual(self.fetch(), site.GREETING)
-        app.press("Disconnect")
+        app.press("Stop")
         self.off()
         wait_until(lambda: self.served() == DIRECT, "the script sends everything direct")
         self.assertEqual(self.fetch(), "")
@@ -105,7 +105,7 @@ class Routing(SshTest):
             self.connect(app, name)
         wait_until(lambda: "two.example" in self.served() and "one.example" in self.served(), "both rules are served")
         app.select("Office")
-        app.press("Disconnect")
+        app.press("Stop")
         wait_until(lambda: "one.example" not in self.served(), "the rule of the stopped tunnel goes")
         self.assertIn("two.example", self.served())
         self.on()
@@ -140,7 +140,7 @@ class Routing(SshTest):
         self.settings.set_gnome("mode", "manual")
         app = self.begin()
         self.connect(app, "Office")
-        app.press("Disconnect")
+        app.press("Stop")
         self.off()
 
     def test_script_is_a_matter_of_the_rules_alone(self) -> None:
