@@ -14,7 +14,7 @@ SRC = ROOT / "src"
 # From the bottom up; a folder includes itself and those before it.
 FLOORS = ["support", "platform", "catalogue", "tunnel", "routing", "portability", "screens", "shell"]
 CORE = set(FLOORS[:6])
-BACKENDS = {"qt", "posix", "linux", "macos"}
+BACKENDS = {"qt", "posix", "linux", "macos", "modules"}
 # The one core source that speaks to the operating system itself: the sockets of the PAC server.
 SOCKETS = "routing/PACListener.cpp"
 HEADER_LINES, SOURCE_LINES = 150, 500

@@ -9,7 +9,7 @@
 #include "platform/linux/EngineService.h"
 #include "platform/linux/PkexecShell.h"
 #include "platform/linux/RouteNetworkMonitor.h"
-#include "platform/linux/SecretServiceKeychain.h"
+#include "platform/modules/LazyModule.h"
 #include "platform/posix/FileUserDefaults.h"
 #include "platform/posix/PosixCommandRunner.h"
 #include "platform/posix/PosixFileSystem.h"
@@ -21,7 +21,6 @@
 #include "platform/qt/LogindPowerEvents.h"
 #include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtDispatch.h"
-#include "platform/qt/QtHttpClient.h"
 #include "platform/qt/QtPasteboard.h"
 #include "routing/Routing.h"
 #include "screens/theme/Theme.h"
@@ -85,11 +84,11 @@ struct FernwickApp::Backends {
     platform::PosixProcesses processes{dispatch, launcher};
     platform::PosixCommandRunner commands{launcher};
     platform::PosixFileSystem files;
-    platform::QtHttpClient http{dispatch};
+    platform::LazyHttpClient http{programFolder(), dispatch};
     std::unique_ptr<platform::ServiceControl> engineService = makeEngineService(files, commands, host);
     platform::PkexecShell administrator{commands};
     platform::DesktopProxySettings proxySettings{commands, host, files};
-    platform::SecretServiceKeychain keychain{host};
+    platform::LazyKeychain keychain{programFolder(), host};
     platform::LogindPowerEvents power{dispatch, host};
     platform::DBusSingleInstance instance{host};
     platform::FileUserDefaultsProvider defaultsProvider{dispatch, host};
