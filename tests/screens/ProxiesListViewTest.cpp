@@ -140,6 +140,7 @@ TEST_F(Proxies, OneThatIsDeletedElsewhereLeavesThePanel) {
     bench.store.deleteProxy(bench.store.proxies()[0].id);
     EXPECT_EQ(panelEmpty(), "No Proxy Selected");
     EXPECT_EQ(list().selectedRow(), -1);
+    EXPECT_FALSE(removeButton().isEnabled());
 }
 
 TEST_F(Proxies, TheMenuEditsAndDeletes) {

@@ -99,6 +99,15 @@ TEST_F(ProxyRules, ArrowsTurnToTheOtherTab) {
     EXPECT_EQ(bench.controller.window()->selectedTab(), ProxyRuleTab::proxies);
 }
 
+TEST_F(ProxyRules, TurningFromAListLeadsToTheOtherList) {
+    bench.store.addProxy(proxyNamed("one"));
+    bench.store.addRule(ruleNamed("one"));
+    bench.open();
+    EXPECT_EQ(focused()->objectName(), QStringLiteral("proxiesList"));
+    bench.turnTo(ProxyRuleTab::rules);
+    EXPECT_EQ(focused()->objectName(), QStringLiteral("rulesList"));
+}
+
 TEST_F(ProxyRules, SaysThatChangesApplyImmediately) {
     const auto labels = bench.open().findChildren<QLabel*>();
     EXPECT_TRUE(std::ranges::any_of(labels, [](const QLabel* label) {

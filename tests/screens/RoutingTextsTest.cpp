@@ -46,11 +46,12 @@ TEST(RoutingTexts, ANewListIsInTheStoredOrder) {
 }
 
 TEST(RoutingTexts, HostsInAFewWords) {
-    EXPECT_EQ(hostSummary(ruleNamed("", {})), QStringLiteral("Any host"));
-    EXPECT_EQ(hostSummary(ruleNamed("", {"", ""})), QStringLiteral("Any host"));
-    EXPECT_EQ(hostSummary(ruleNamed("", {"", "a.example"})), QStringLiteral("a.example"));
-    EXPECT_EQ(hostSummary(ruleNamed("", {"a.example", "b.example"})), QStringLiteral("a.example +1 more"));
-    EXPECT_EQ(hostSummary(ruleNamed("", {"a", "", "b", "c"})), QStringLiteral("a +2 more"));
+    EXPECT_EQ(hostSummary(namedHosts(ruleNamed("", {}))), QStringLiteral("Any host"));
+    EXPECT_EQ(hostSummary(namedHosts(ruleNamed("", {"", ""}))), QStringLiteral("Any host"));
+    EXPECT_EQ(hostSummary(namedHosts(ruleNamed("", {"", "a.example"}))), QStringLiteral("a.example"));
+    EXPECT_EQ(hostSummary(namedHosts(ruleNamed("", {"a.example", "b.example"}))),
+              QStringLiteral("a.example +1 more"));
+    EXPECT_EQ(hostSummary(namedHosts(ruleNamed("", {"a", "", "b", "c"}))), QStringLiteral("a +2 more"));
 }
 
 TEST(RoutingTexts, CountsAddAnSUnlessThereIsOne) {

@@ -38,8 +38,8 @@ QString ProxiesListView::countText() const {
     return proxyCountText(context_.store.proxies().size());
 }
 
-void ProxiesListView::showPanel(const std::optional<support::Uuid>& id) {
-    panel_->show(id);
+bool ProxiesListView::showPanel(const std::optional<support::Uuid>& id) {
+    return panel_->show(id);
 }
 
 void ProxiesListView::editRecord(const support::Uuid& id) {

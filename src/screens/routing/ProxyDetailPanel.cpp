@@ -46,22 +46,20 @@ ProxyDetailPanel::ProxyDetailPanel(const RoutingContext& context, const TunnelNa
     show(std::nullopt);
 }
 
-void ProxyDetailPanel::show(const std::optional<support::Uuid>& proxyID) {
+bool ProxyDetailPanel::show(const std::optional<support::Uuid>& proxyID) {
     const ProxyConfig* proxy = store_.proxy(proxyID);
     if (proxy == nullptr) {
         shown_.reset();
         showEmpty(Icon::network, QStringLiteral("No Proxy Selected"),
                   QStringLiteral("Select a proxy from the list"));
-        return;
+        return false;
     }
-    auto users = usersOf(proxy->id, store_.rules());
-    if (shown_ == *proxy && users_ == users) {
-        return;
+    const auto before = std::exchange(shown_, *proxy);
+    const auto usersBefore = std::exchange(users_, usersOf(proxy->id, store_.rules()));
+    if (before != shown_ || usersBefore != users_) {
+        showProxy(before && before->id == shown_->id);
     }
-    const bool sameRecord = shown_ && shown_->id == proxy->id;
-    shown_ = *proxy;
-    users_ = std::move(users);
-    showProxy(sameRecord);
+    return true;
 }
 
 void ProxyDetailPanel::showProxy(bool sameRecord) {

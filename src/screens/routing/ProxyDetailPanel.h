@@ -18,7 +18,8 @@ public:
                      std::function<void(const ProxyConfig&)> onEdit, QWidget* parent);
 
     // Shows the proxy of that id as the store has it now; without an id, or a proxy, that there is none.
-    void show(const std::optional<support::Uuid>& proxyID);
+    // Returns whether there is one.
+    bool show(const std::optional<support::Uuid>& proxyID);
 
 private:
     void showProxy(bool sameRecord);

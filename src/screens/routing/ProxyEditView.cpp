@@ -82,6 +82,9 @@ ProxyEditView::ProxyEditView(const Theme& theme, ProxyRuleStore& store, TunnelNa
     layout->addWidget(buildButtons());
     showAddress();
     showOptions();
+    auto* name = findChild<QLineEdit*>(QStringLiteral("proxyNameField"));
+    name->setFocus();
+    name->selectAll();
 }
 
 QWidget* ProxyEditView::buildForm() {

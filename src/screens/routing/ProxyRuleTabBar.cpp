@@ -83,7 +83,7 @@ ProxyRuleTabBar::ProxyRuleTabBar(const Theme& theme, ProxyRuleStore& store,
     setExpanding(false);
     setUsesScrollButtons(false);
     setElideMode(Qt::ElideNone);
-    setFocusPolicy(Qt::StrongFocus);
+    setFocusPolicy(Qt::TabFocus);
     setMouseTracking(true);
     setAttribute(Qt::WA_Hover);
     addTab(QStringLiteral("Proxies"));

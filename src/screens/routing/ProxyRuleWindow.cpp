@@ -47,9 +47,7 @@ ProxyRuleWindow::ProxyRuleWindow(const RoutingContext& context, TunnelNames tunn
 QWidget* ProxyRuleWindow::buildTabRow(const RoutingContext& context) {
     auto* row = new QWidget(this);
     row->setMinimumHeight(grid::kHeaderHeight);
-    tabs_ = new ProxyRuleTabBar(
-        context.theme, context.store,
-        [this](ProxyRuleTab tab) { pages_->setCurrentIndex(std::to_underlying(tab)); }, row);
+    tabs_ = new ProxyRuleTabBar(context.theme, context.store, [this](ProxyRuleTab tab) { turnTo(tab); }, row);
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(grid::kMedium, 0, grid::kLarge, 0);
     layout->setSpacing(grid::kTight + 1);
@@ -58,6 +56,15 @@ QWidget* ProxyRuleWindow::buildTabRow(const RoutingContext& context) {
     layout->addWidget(new IconView(context.theme, Icon::infoCircle, kInfoSize, &Palette::secondary, row));
     layout->addWidget(makeCaption(QStringLiteral("Changes apply immediately"), context.theme.font(11), row));
     return row;
+}
+
+// The keyboard stays on the tabs if it is there, and does not end up in whatever follows a list that goes.
+void ProxyRuleWindow::turnTo(ProxyRuleTab tab) {
+    const bool wasInPage = pages_->isAncestorOf(focusWidget());
+    pages_->setCurrentIndex(std::to_underlying(tab));
+    if (wasInPage) {
+        current().focusList();
+    }
 }
 
 void ProxyRuleWindow::addShortcuts() {

@@ -40,6 +40,7 @@ protected:
 
 private:
     QWidget* buildTabRow(const RoutingContext& context);
+    void turnTo(ProxyRuleTab tab);
     void addShortcuts();
     [[nodiscard]] RecordTab& current() const;
 

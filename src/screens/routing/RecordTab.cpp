@@ -85,8 +85,14 @@ void RecordTab::refresh() {
         column_->showEmpty(empty_.icon, empty_.title, empty_.subtitle);
     }
     column_->setCount(countText());
-    column_->setRemovable(selectedID_.has_value());
     refreshPanel();
+}
+
+void RecordTab::refreshPanel() {
+    if (!showPanel(selectedID_)) {
+        selectedID_.reset();
+    }
+    column_->setRemovable(selectedID_.has_value());
 }
 
 void RecordTab::showSelection() {
@@ -109,7 +115,6 @@ void RecordTab::takeSelection() {
     }
     const int row = column_->list().selectedRow();
     selectedID_ = row >= 0 ? std::optional(idOf(row)) : std::nullopt;
-    column_->setRemovable(selectedID_.has_value());
     refreshPanel();
 }
 

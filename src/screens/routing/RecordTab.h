@@ -53,8 +53,8 @@ protected:
     // Shows the records, the selection and the panel as they are now.
     void refresh();
 
-    // Shows the panel as it is now.
-    void refreshPanel() { showPanel(selectedID_); }
+    // Shows the panel as it is now. A chosen record that is no more is not chosen any longer.
+    void refreshPanel();
 
     // Whether a sheet is open over the window. It is raised then, since one at a time is enough.
     [[nodiscard]] bool raiseOpenSheet() const;
@@ -69,7 +69,7 @@ private:
     [[nodiscard]] virtual support::Uuid idOf(int row) const = 0;
     [[nodiscard]] virtual int rowOf(const support::Uuid& id) const = 0; // -1 when it is not in the list
     [[nodiscard]] virtual QString countText() const = 0;
-    virtual void showPanel(const std::optional<support::Uuid>& id) = 0;
+    virtual bool showPanel(const std::optional<support::Uuid>& id) = 0; // whether there is such a record
     virtual void editRecord(const support::Uuid& id) = 0;
     virtual void removeRecord(const support::Uuid& id) = 0;
     virtual void moveRecord(std::size_t from, std::size_t before) = 0; // by their places in the list shown

@@ -20,8 +20,9 @@ namespace {
 constexpr platform::Duration kEdgeInterval{30};
 constexpr int kEdge = 24; // from the top and bottom, where a dragged row scrolls the list
 constexpr int kEdgeStep = 12;
-constexpr int kLiftedInset = 8; // of the ground of the row that is dragged
-constexpr int kGapInset = 12;
+constexpr int kLiftedInset = 18; // of the row that is dragged
+constexpr double kLiftedOpacity = 0.92;
+constexpr int kGapInset = 8;
 constexpr int kGapKnob = 3; // radius
 constexpr double kGapWidth = 2.0;
 
@@ -203,24 +204,27 @@ void RoutingListView::paintEvent(QPaintEvent* event) {
     }
 }
 
+// The line is under the row that is dragged and wider than it, so that both can be read.
 void RoutingListView::paintDrag(QPainter& painter) const {
     const QModelIndex index = model()->index(drag_->row, 0);
     const QRect row = visualRect(index);
     const Palette& colors = theme_.colors();
-    QStyleOptionViewItem option;
-    initViewItemOption(&option);
-    option.rect = QRect(QPoint(row.left(), drag_->now.y() - drag_->grip), row.size());
-    option.state &= ~(QStyle::State_Selected | QStyle::State_HasFocus | QStyle::State_MouseOver);
-    const QRect ground = option.rect.adjusted(kLiftedInset, 1, -kLiftedInset, -1);
-    stylepaint::roundedBox(painter, QRectF(ground), colors.popup, colors.border, grid::kControlRadius);
-    itemDelegateForIndex(index)->paint(&painter, option, index);
-
     const int gap = visualRect(model()->index(0, 0)).top() + gapAt(drag_->now.y()) * row.height();
     const int y = std::clamp(gap, kGapKnob + 1, viewport()->height() - kGapKnob - 1);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(colors.accent, kGapWidth));
     painter.drawEllipse(QPoint(kGapInset, y), kGapKnob, kGapKnob);
     painter.drawLine(kGapInset + kGapKnob, y, viewport()->width() - kGapInset, y);
+
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    option.rect = QRect(QPoint(row.left(), drag_->now.y() - drag_->grip), row.size())
+                      .adjusted(kLiftedInset, 0, -kLiftedInset, 0);
+    option.state &= ~(QStyle::State_Selected | QStyle::State_HasFocus | QStyle::State_MouseOver);
+    painter.setOpacity(kLiftedOpacity);
+    stylepaint::roundedBox(painter, QRectF(option.rect.adjusted(kGapKnob, 1, -kGapKnob, -1)), colors.popup,
+                           colors.border, grid::kControlRadius);
+    itemDelegateForIndex(index)->paint(&painter, option, index);
 }
 
 } // namespace fernwick

@@ -106,15 +106,23 @@ Icon actionIcon(RuleAction action) {
     return Icon::arrowRight;
 }
 
-QString hostSummary(const AppRule& rule) {
-    const auto isNamed = [](const std::string& host) { return !host.empty(); };
-    const auto first = std::ranges::find_if(rule.targetHosts, isNamed);
-    if (first == rule.targetHosts.end()) {
+NamedHosts namedHosts(const AppRule& rule) {
+    NamedHosts hosts;
+    for (const auto& host : rule.targetHosts) {
+        if (!host.empty() && ++hosts.count == 1) {
+            hosts.first = host;
+        }
+    }
+    return hosts;
+}
+
+QString hostSummary(const NamedHosts& hosts) {
+    if (hosts.count == 0) {
         return QStringLiteral("Any host");
     }
-    const auto others = std::count_if(first + 1, rule.targetHosts.end(), isNamed);
-    return others == 0 ? displayLine(*first)
-                       : QStringLiteral("%1 +%2 more").arg(displayLine(*first), QString::number(others));
+    return hosts.count == 1
+               ? displayLine(hosts.first)
+               : QStringLiteral("%1 +%2 more").arg(displayLine(hosts.first), QString::number(hosts.count - 1));
 }
 
 QString proxyCountText(std::size_t count) {

@@ -11,6 +11,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -37,8 +38,18 @@ using RuleSelection = std::vector<const AppRule*>;
 [[nodiscard]] NamedColor actionColor(RuleAction action);
 [[nodiscard]] Icon actionIcon(RuleAction action);
 
-// The target hosts in a few words, empty ones passed over: "Any host", the only one, or "<first> +<n-1> more".
-[[nodiscard]] QString hostSummary(const AppRule& rule);
+// The target hosts of a rule that are not empty, as far as a row needs them.
+struct NamedHosts {
+    std::string first;
+    std::size_t count = 0;
+
+    bool operator==(const NamedHosts&) const = default;
+};
+
+[[nodiscard]] NamedHosts namedHosts(const AppRule& rule);
+
+// The hosts in a few words: "Any host", the only one, or "<first> +<n-1> more".
+[[nodiscard]] QString hostSummary(const NamedHosts& hosts);
 
 // "<n> proxy", with an "s" behind it unless there is one.
 [[nodiscard]] QString proxyCountText(std::size_t count);

@@ -21,7 +21,7 @@ RuleDetailPanel::RuleDetailPanel(const RoutingContext& context, const TunnelName
       disabled_(addHeaderCapsule()),
       action_(addHeaderCapsule()) {
     disabled_->setObjectName(QStringLiteral("disabledCapsule"));
-    disabled_->setLook({.text = QStringLiteral("DISABLED")});
+    disabled_->setLook({.text = QStringLiteral("DISABLED"), .color = &Palette::secondary});
     action_->setObjectName(QStringLiteral("actionCapsule"));
     connect(&editButton(), &QPushButton::clicked, this, [this] {
         if (shown_) {
@@ -31,20 +31,21 @@ RuleDetailPanel::RuleDetailPanel(const RoutingContext& context, const TunnelName
     show(std::nullopt);
 }
 
-void RuleDetailPanel::show(const std::optional<support::Uuid>& ruleID) {
+bool RuleDetailPanel::show(const std::optional<support::Uuid>& ruleID) {
     const auto& rules = store_.rules();
     const auto found = ruleID ? std::ranges::find(rules, *ruleID, &AppRule::id) : rules.end();
     if (found == rules.end()) {
         shown_.reset();
         showEmpty(Icon::list, QStringLiteral("No Rule Selected"),
                   QStringLiteral("Select a rule from the list"));
-        return;
+        return false;
     }
     const auto before = std::exchange(shown_, *found);
     const auto targetBefore = std::exchange(target_, targetName());
     if (before != shown_ || targetBefore != target_) {
         showRule(before && before->id == shown_->id);
     }
+    return true;
 }
 
 std::optional<QString> RuleDetailPanel::targetName() const {

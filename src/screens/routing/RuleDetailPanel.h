@@ -18,8 +18,9 @@ public:
     RuleDetailPanel(const RoutingContext& context, const TunnelNames& tunnels,
                     std::function<void(const AppRule&)> onEdit, QWidget* parent);
 
-    // Shows the rule of that id as the store has it now; without an id, or a rule, that there is none.
-    void show(const std::optional<support::Uuid>& ruleID);
+    // Shows the rule of that id as the store has it now; without an id, or a rule, that there is none. Returns
+    // whether there is one.
+    bool show(const std::optional<support::Uuid>& ruleID);
 
 private:
     void showRule(bool sameRecord);

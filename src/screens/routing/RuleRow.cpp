@@ -1,7 +1,6 @@
 #include "screens/routing/RuleRow.h"
 
 #include "screens/routing/Capsule.h"
-#include "screens/routing/RoutingTexts.h"
 #include "screens/routing/RowGround.h"
 #include "screens/theme/DisplayText.h"
 #include "screens/theme/Grid.h"
@@ -21,7 +20,7 @@ constexpr int kLineGap = 2;
 } // namespace
 
 RuleRow::RuleRow(const AppRule& rule)
-    : id(rule.id), name(rule.name), hosts(hostSummary(rule)), action(rule.action), isEnabled(rule.isEnabled) {}
+    : id(rule.id), name(rule.name), hosts(namedHosts(rule)), action(rule.action), isEnabled(rule.isEnabled) {}
 
 QString RuleRow::title() const {
     return displayLine(name);
@@ -29,7 +28,8 @@ QString RuleRow::title() const {
 
 QString RuleRow::spoken() const {
     return QStringLiteral("%1, %2, %3, %4")
-        .arg(title(), hosts, actionText(action), isEnabled ? QStringLiteral("on") : QStringLiteral("off"));
+        .arg(title(), hostSummary(hosts), actionText(action),
+             isEnabled ? QStringLiteral("on") : QStringLiteral("off"));
 }
 
 RuleRowDelegate::RuleRowDelegate(const Theme& theme, const RuleListModel& model, QObject* parent)
@@ -71,7 +71,7 @@ void RuleRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
     line.setHeight(QFontMetrics(hostsFont_).height());
     painter->setFont(hostsFont_);
     painter->setPen(colors.secondary);
-    drawLine(*painter, line, row.hosts, Qt::LeftToRight);
+    drawLine(*painter, line, hostSummary(row.hosts), Qt::LeftToRight);
     painter->restore();
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "routing/AppRule.h"
+#include "screens/routing/RoutingTexts.h"
 #include "screens/routing/RowListModel.h"
 #include "screens/theme/Theme.h"
 
@@ -16,7 +17,7 @@ namespace fernwick {
 struct RuleRow {
     support::Uuid id;
     std::string name;
-    QString hosts; // in a few words
+    NamedHosts hosts;
     RuleAction action = RuleAction::direct;
     bool isEnabled = true;
 

@@ -47,8 +47,8 @@ QString RulesListView::countText() const {
     return activeCountText(context_.store.rules());
 }
 
-void RulesListView::showPanel(const std::optional<support::Uuid>& id) {
-    panel_->show(id);
+bool RulesListView::showPanel(const std::optional<support::Uuid>& id) {
+    return panel_->show(id);
 }
 
 const AppRule* RulesListView::find(const support::Uuid& id) const {

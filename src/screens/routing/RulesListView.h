@@ -27,7 +27,7 @@ private:
     [[nodiscard]] support::Uuid idOf(int row) const override { return model_->row(row).id; }
     [[nodiscard]] int rowOf(const support::Uuid& id) const override { return model_->rowOf(id); }
     [[nodiscard]] QString countText() const override;
-    void showPanel(const std::optional<support::Uuid>& id) override;
+    bool showPanel(const std::optional<support::Uuid>& id) override;
     void editRecord(const support::Uuid& id) override;
     void removeRecord(const support::Uuid& id) override;
     void moveRecord(std::size_t from, std::size_t before) override;
