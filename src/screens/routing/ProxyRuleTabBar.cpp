@@ -31,6 +31,10 @@ QFont badgeFont(const Theme& theme) {
     return theme.font(11, QFont::DemiBold);
 }
 
+ProxyRuleTab tabOf(int index) {
+    return index == 0 ? ProxyRuleTab::proxies : ProxyRuleTab::rules;
+}
+
 QSize badgeSize(const Theme& theme, std::size_t badge) {
     const QFontMetrics metrics(badgeFont(theme));
     const int height = metrics.height() + 2;
@@ -90,13 +94,13 @@ ProxyRuleTabBar::ProxyRuleTabBar(const Theme& theme, ProxyRuleStore& store,
     addTab(QStringLiteral("Rules"));
     countAgain();
     connect(this, &QTabBar::currentChanged, this,
-            [selected = std::move(selected)](int index) { selected(static_cast<ProxyRuleTab>(index)); });
+            [selected = std::move(selected)](int index) { selected(tabOf(index)); });
     subscriptions_.push_back(store.proxiesChanged.connect([this] { countAgain(); }));
     subscriptions_.push_back(store.rulesChanged.connect([this] { countAgain(); }));
 }
 
 ProxyRuleTab ProxyRuleTabBar::selectedTab() const {
-    return static_cast<ProxyRuleTab>(currentIndex());
+    return tabOf(currentIndex());
 }
 
 void ProxyRuleTabBar::select(ProxyRuleTab tab) {
@@ -110,8 +114,7 @@ std::size_t ProxyRuleTabBar::badge(ProxyRuleTab tab) const {
 // The number is part of what a tab is called aloud; setting the name also makes the bar lay out its tabs anew.
 void ProxyRuleTabBar::countAgain() {
     for (int index = 0; index < count(); ++index) {
-        setAccessibleTabName(
-            index, QStringLiteral("%1, %2").arg(tabText(index)).arg(badge(static_cast<ProxyRuleTab>(index))));
+        setAccessibleTabName(index, QStringLiteral("%1, %2").arg(tabText(index)).arg(badge(tabOf(index))));
         setTabText(index, tabText(index));
     }
     updateGeometry();
@@ -119,7 +122,7 @@ void ProxyRuleTabBar::countAgain() {
 }
 
 ProxyRuleTabButton ProxyRuleTabBar::button(int index) const {
-    const auto tab = static_cast<ProxyRuleTab>(index);
+    const auto tab = tabOf(index);
     const QPoint pointer = mapFromGlobal(QCursor::pos());
     return {.icon = tab == ProxyRuleTab::proxies ? Icon::network : Icon::list,
             .label = tabText(index),
