@@ -55,6 +55,10 @@ constexpr std::array kFiles{IconFile{Icon::plus, "plus"},
                             IconFile{Icon::note, "note"},
                             IconFile{Icon::personKey, "person-key"},
                             IconFile{Icon::sliders, "sliders"},
+                            IconFile{Icon::appBadge, "app-badge"},
+                            IconFile{Icon::branch, "branch"},
+                            IconFile{Icon::list, "list"},
+                            IconFile{Icon::minus, "minus"},
                             IconFile{Icon::application, "com.fernwick.Fernwick"}};
 
 QString fileOf(Icon icon) {

@@ -45,6 +45,10 @@ enum class Icon {
     note,
     personKey,
     sliders,
+    appBadge,
+    branch,
+    list,
+    minus,
     application // the application's own mark, which keeps its colours
 };
 

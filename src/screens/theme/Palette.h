@@ -40,6 +40,7 @@ struct Palette {
     QColor green;
     QColor red;
     QColor blue;
+    QColor purple;
 };
 
 // The colours of an appearance.
