@@ -19,16 +19,17 @@ constexpr int kClearSize = 16;
 
 } // namespace
 
-SearchRow::SearchRow(const Theme& theme, std::function<void(const QString&)> edited, QWidget* parent)
+SearchRow::SearchRow(const Theme& theme, const QString& placeholder, const QString& fieldName,
+                     std::function<void(const QString&)> edited, QWidget* parent)
     : QWidget(parent),
       theme_(theme),
       edited_(std::move(edited)),
       field_(new QLineEdit(this)),
       clear_(makeIconButton(theme, Icon::clear, QStringLiteral("Clear search"),
                             QStringLiteral("clearSearchButton"), this)) {
-    field_->setObjectName(QStringLiteral("sidebarSearchField"));
-    field_->setPlaceholderText(QStringLiteral("Search tunnels..."));
-    field_->setAccessibleName(field_->placeholderText());
+    field_->setObjectName(fieldName);
+    field_->setPlaceholderText(placeholder);
+    field_->setAccessibleName(placeholder);
     field_->setFont(theme.font(13));
     field_->setFrame(false);
     field_->setAutoFillBackground(false);

@@ -1,4 +1,4 @@
-// The sidebar's search: a magnifying glass, a plain field, and a button that empties it while it holds text.
+// The search above a list: a magnifying glass, a plain field, and a button that empties it while it holds text.
 // Threads: main thread only.
 #pragma once
 
@@ -15,8 +15,10 @@ namespace fernwick {
 
 class SearchRow final : public QWidget {
 public:
-    // `edited` is called with the text, as typed, after each change by the user.
-    SearchRow(const Theme& theme, std::function<void(const QString&)> edited, QWidget* parent);
+    // The placeholder is also what the field is called aloud. `edited` is called with the text, as typed, after
+    // each change by the user.
+    SearchRow(const Theme& theme, const QString& placeholder, const QString& fieldName,
+              std::function<void(const QString&)> edited, QWidget* parent);
 
     // Shows the text without calling back.
     void setText(const QString& text);

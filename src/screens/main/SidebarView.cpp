@@ -29,7 +29,8 @@ SidebarView::SidebarView(const MainWindowContext& context, SidebarCallbacks call
     setMaximumWidth(kMaximumWidth);
     auto* toolbar = buildToolbar();
     search_ = new SearchRow(
-        context.theme, [this](const QString& text) { callbacks_.onSearch(text.toStdString()); }, this);
+        context.theme, QStringLiteral("Search tunnels..."), QStringLiteral("sidebarSearchField"),
+        [this](const QString& text) { callbacks_.onSearch(text.toStdString()); }, this);
     strip_ = new TagStrip(
         context.theme, [this](std::optional<TunnelTag> tag) { callbacks_.onTag(std::move(tag)); }, this);
     stripDivider_ = new Divider(context.theme, this);

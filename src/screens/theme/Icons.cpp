@@ -27,6 +27,7 @@ constexpr std::array kFiles{IconFile{Icon::plus, "plus"},
                             IconFile{Icon::magnifier, "magnifier"},
                             IconFile{Icon::clear, "clear"},
                             IconFile{Icon::shieldNetwork, "shield-network"},
+                            IconFile{Icon::splitRectangle, "split-rectangle"},
                             IconFile{Icon::network, "network"},
                             IconFile{Icon::networkOff, "network-off"},
                             IconFile{Icon::globe, "globe"},
@@ -55,6 +56,10 @@ constexpr std::array kFiles{IconFile{Icon::plus, "plus"},
                             IconFile{Icon::note, "note"},
                             IconFile{Icon::personKey, "person-key"},
                             IconFile{Icon::sliders, "sliders"},
+                            IconFile{Icon::appBadge, "app-badge"},
+                            IconFile{Icon::branch, "branch"},
+                            IconFile{Icon::list, "list"},
+                            IconFile{Icon::minus, "minus"},
                             IconFile{Icon::application, "com.fernwick.Fernwick"}};
 
 QString fileOf(Icon icon) {

@@ -17,6 +17,7 @@ enum class Icon {
     magnifier,
     clear,
     shieldNetwork,
+    splitRectangle,
     network,
     networkOff,
     globe,
@@ -45,6 +46,10 @@ enum class Icon {
     note,
     personKey,
     sliders,
+    appBadge,
+    branch,
+    list,
+    minus,
     application // the application's own mark, which keeps its colours
 };
 
