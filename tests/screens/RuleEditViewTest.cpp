@@ -285,6 +285,21 @@ TEST_F(RuleEditViewTest, ChipsWrapInsideTheSheet) {
     EXPECT_GT(rows, 10);
 }
 
+TEST_F(RuleEditViewTest, FormIsAsHighAsWhatItShows) {
+    bench.open(RuleEditBench::ruleFor(std::vector<std::string>(40, "com.example.application")));
+    const auto height = [this] { return bench.find<QScrollArea>("ruleForm").widget()->height(); };
+    const int direct = height();
+    choose("actionMenu", 1);
+    EXPECT_GT(height(), direct);
+    choose("actionMenu", 2);
+    EXPECT_EQ(height(), direct);
+    for (std::size_t chip = 0; chip < 30; ++chip) {
+        removeButton(0).click();
+    }
+    bench.settle();
+    EXPECT_LT(height(), direct);
+}
+
 TEST_F(RuleEditViewTest, ReturnSavesExceptInTheHosts) {
     bench.open();
     QTest::keyClick(&bench.find<QWidget>("targetHostsEditor"), Qt::Key_Return);

@@ -6,7 +6,6 @@
 #include "screens/theme/Parts.h"
 #include "screens/theme/SegmentedControl.h"
 
-#include <QAccessible>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPainter>
@@ -210,8 +209,7 @@ void AddEntryPopover::tryAdd() {
     }
     refresh();
     if (input_.inputError) {
-        QAccessibleEvent alert(error_, QAccessible::Alert);
-        QAccessible::updateAccessibility(&alert);
+        callbacks_.announce(*error_);
     }
 }
 

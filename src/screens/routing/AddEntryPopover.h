@@ -5,6 +5,7 @@
 
 #include "routing/AppEntry.h"
 #include "screens/routing/RuleDraft.h"
+#include "screens/theme/Announcement.h"
 #include "screens/theme/Theme.h"
 
 #include <QDialog>
@@ -26,8 +27,9 @@ public:
     static constexpr int kShadow = 16; // how far its shadow reaches
 
     struct Callbacks {
-        std::function<void(AppEntry)> add; // with the entry, before the popover closes
-        std::function<void()> browse;      // when the user wants to choose an application
+        std::function<void(AppEntry)> add;                      // with the entry, before the popover closes
+        std::function<void()> browse;                           // when the user wants to choose an application
+        std::function<void(QWidget&)> announce = announceAlert; // with the line that says what was wrong
     };
 
     // Hidden at first. `sheet` is what it lies in.

@@ -76,9 +76,10 @@ RuleEditView::RuleEditView(RoutingContext& context, TunnelNames tunnels, std::op
     cover_ = new Cover([this] { closePopover(); }, this);
     cover_->setGeometry(0, 0, kWidth, kHeight);
     cover_->hide();
-    popover_ = new AddEntryPopover(
-        context.theme,
-        {[this](AppEntry entry) { addEntries({std::move(entry)}); }, [this] { chooseApplications(); }}, this);
+    popover_ = new AddEntryPopover(context.theme,
+                                   {[this](AppEntry entry) { addEntries({std::move(entry)}); },
+                                    [this] { chooseApplications(); }, announceAlert},
+                                   this);
     connect(popover_, &QDialog::finished, this, [this] {
         cover_->hide();
         plus_->setFocus(Qt::OtherFocusReason);
@@ -217,6 +218,7 @@ void RuleEditView::chooseApplications() {
         context_.theme, context_.dispatch, context_.applications,
         [this](const std::vector<platform::InstalledApplication>& applications) {
             std::vector<AppEntry> entries;
+            entries.reserve(applications.size());
             for (const auto& application : applications) {
                 entries.push_back(AppEntry::picked(application.name, application.value));
             }
