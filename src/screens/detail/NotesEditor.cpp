@@ -1,5 +1,7 @@
 #include "screens/detail/NotesEditor.h"
 
+#include "screens/theme/PlainText.h"
+
 #include <QScopedValueRollback>
 #include <QTextDocument>
 
@@ -11,12 +13,6 @@ namespace {
 
 constexpr double kMargin = 5.0;
 
-bool endsLine(QChar character) {
-    const char16_t code = character.unicode();
-    // Paragraphs, lines within one, and the toolkit's own marks around a frame.
-    return code == 0x2029 || code == 0x2028 || code == 0xFDD0 || code == 0xFDD1;
-}
-
 } // namespace
 
 NotesEditor::NotesEditor(const Theme& theme, std::function<void(std::string)> edited, QWidget* parent)
@@ -27,7 +23,7 @@ NotesEditor::NotesEditor(const Theme& theme, std::function<void(std::string)> ed
     document()->setDocumentMargin(kMargin);
     viewport()->setAutoFillBackground(false);
     connect(this, &QPlainTextEdit::textChanged, this, [this] {
-        std::string now = showing_ ? std::string() : text();
+        std::string now = showing_ ? std::string() : plainText(*document());
         if (!showing_ && now != last_) { // it also tells changes of how the text looks
             last_ = std::move(now);
             edited_(last_);
@@ -46,13 +42,6 @@ void NotesEditor::showStored(const std::string& stored, bool anew) {
     QTextCursor there = textCursor();
     there.setPosition(std::min(cursor, document()->characterCount() - 1));
     setTextCursor(there);
-}
-
-// Not toPlainText, which turns blanks that must not break into others.
-std::string NotesEditor::text() const {
-    QString raw = document()->toRawText();
-    std::ranges::replace_if(raw, endsLine, QChar(u'\n'));
-    return raw.toStdString();
 }
 
 void NotesEditor::focusInEvent(QFocusEvent* event) {

@@ -27,8 +27,6 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
-    [[nodiscard]] std::string text() const;
-
     std::function<void(std::string)> edited_;
     std::string last_; // what was shown or told last
     bool showing_ = false;

@@ -6,6 +6,41 @@
 
 namespace fernwick {
 
+namespace {
+
+QList<QSize> naturalSizes(const QList<QLayoutItem*>& items) {
+    QList<QSize> sizes;
+    sizes.reserve(items.size());
+    for (const QLayoutItem* item : items) {
+        sizes.append(item->sizeHint());
+    }
+    return sizes;
+}
+
+} // namespace
+
+FlowPlaces flowPlaces(const QList<QSize>& items, int spacing, std::optional<int> width) {
+    FlowPlaces flow;
+    flow.places.reserve(items.size());
+    int x = 0;
+    int y = 0;
+    int rowHeight = 0;
+    bool rowIsEmpty = true;
+    for (const QSize& item : items) {
+        if (width && !rowIsEmpty && x + item.width() > *width) {
+            x = 0;
+            y += rowHeight + spacing;
+            rowHeight = 0;
+        }
+        flow.places.append(QPoint(x, y));
+        x += item.width() + spacing;
+        rowHeight = std::max(rowHeight, item.height());
+        rowIsEmpty = false;
+    }
+    flow.size = QSize(width.value_or(0), std::max(y + rowHeight, 0));
+    return flow;
+}
+
 FlowLayout::FlowLayout(QWidget* parent, int spacing) : QLayout(parent) {
     setContentsMargins(0, 0, 0, 0);
     setSpacing(spacing);
@@ -21,8 +56,8 @@ QLayoutItem* FlowLayout::takeAt(int index) {
 
 int FlowLayout::heightForWidth(int width) const {
     const QMargins margins = contentsMargins();
-    const QRect inside = QRect(0, 0, width, 0).marginsRemoved(margins);
-    return flow(inside, false) + margins.top() + margins.bottom();
+    const auto flow = flowPlaces(naturalSizes(shown()), spacing(), width - margins.left() - margins.right());
+    return flow.size.height() + margins.top() + margins.bottom();
 }
 
 QSize FlowLayout::minimumSize() const {
@@ -35,29 +70,23 @@ QSize FlowLayout::minimumSize() const {
 
 void FlowLayout::setGeometry(const QRect& area) {
     QLayout::setGeometry(area);
-    flow(area.marginsRemoved(contentsMargins()), true);
+    const bool mirrored = parentWidget() != nullptr && parentWidget()->layoutDirection() == Qt::RightToLeft;
+    const QRect inside = area.marginsRemoved(contentsMargins());
+    const auto items = shown();
+    const auto sizes = naturalSizes(items);
+    const auto flow = flowPlaces(sizes, spacing(), inside.width());
+    for (qsizetype at = 0; at < items.size(); ++at) {
+        const QPoint place = flow.places[at];
+        const int left =
+            mirrored ? inside.right() + 1 - place.x() - sizes[at].width() : inside.left() + place.x();
+        items[at]->setGeometry(QRect(QPoint(left, inside.top() + place.y()), sizes[at]));
+    }
 }
 
-int FlowLayout::flow(const QRect& area, bool place) const {
-    const bool mirrored = parentWidget() != nullptr && parentWidget()->layoutDirection() == Qt::RightToLeft;
-    int along = 0;
-    int down = 0;
-    int lineHeight = 0;
-    for (QLayoutItem* item : items_) {
-        const QSize size = item->sizeHint().boundedTo(QSize(std::max(area.width(), 1), QWIDGETSIZE_MAX));
-        if (along > 0 && along + size.width() > area.width()) {
-            along = 0;
-            down += lineHeight + spacing();
-            lineHeight = 0;
-        }
-        if (place) {
-            const int left = mirrored ? area.right() + 1 - along - size.width() : area.left() + along;
-            item->setGeometry(QRect(QPoint(left, area.top() + down), size));
-        }
-        along += size.width() + spacing();
-        lineHeight = std::max(lineHeight, size.height());
-    }
-    return down + lineHeight;
+QList<QLayoutItem*> FlowLayout::shown() const {
+    QList<QLayoutItem*> shown;
+    std::ranges::copy_if(items_, std::back_inserter(shown), [](const auto* item) { return !item->isEmpty(); });
+    return shown;
 }
 
 } // namespace fernwick

@@ -1,15 +1,27 @@
-// Lays its items out like words: side by side, and on another line where there is no room.
+// Lays its items out like words: side by side in their natural size, and in another row where there is no room.
 // Threads: main thread only.
 #pragma once
 
 #include <QLayout>
 #include <QList>
 
+#include <optional>
+
 namespace fernwick {
+
+// Where items stand from the top left corner, and how much room all of them take.
+struct FlowPlaces {
+    QList<QPoint> places; // one for each item
+    QSize size;
+};
+
+// Puts items of these sizes into rows of that width; without a width there is one row. An item wider than the
+// width stands alone and overflows. A row is as high as its highest item; `spacing` lies between items and
+// between rows. All of them are as wide as the width, 0 if there is none.
+[[nodiscard]] FlowPlaces flowPlaces(const QList<QSize>& items, int spacing, std::optional<int> width);
 
 class FlowLayout final : public QLayout {
 public:
-    // `spacing` lies between items and between lines.
     FlowLayout(QWidget* parent, int spacing);
     FlowLayout(const FlowLayout&) = delete;
     FlowLayout& operator=(const FlowLayout&) = delete;
@@ -27,9 +39,8 @@ public:
     void setGeometry(const QRect& area) override;
 
 private:
-    // Goes through the items in an area of that width, and puts them there if `place` is set. Returns the
-    // height.
-    int flow(const QRect& area, bool place) const;
+    // Those that are to be seen, in order.
+    [[nodiscard]] QList<QLayoutItem*> shown() const;
 
     QList<QLayoutItem*> items_;
 };

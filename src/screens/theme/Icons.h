@@ -17,6 +17,7 @@ enum class Icon {
     magnifier,
     clear,
     shieldNetwork,
+    splitRectangle,
     network,
     networkOff,
     globe,

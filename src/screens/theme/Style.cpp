@@ -131,7 +131,10 @@ void Style::drawControl(ControlElement element, const QStyleOption* option, QPai
         }
         return;
     case CE_ShapedFrame:
-        if (qobject_cast<const QPlainTextEdit*>(widget) != nullptr) {
+        if (const auto* edit = qobject_cast<const QPlainTextEdit*>(widget); edit != nullptr) {
+            if (edit->frameShape() == QFrame::NoFrame) {
+                return;
+            }
             stylepaint::textField(*painter, *option, colors);
             return;
         }
