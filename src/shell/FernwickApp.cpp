@@ -19,9 +19,11 @@
 #include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtDispatch.h"
 #include "platform/qt/QtPasteboard.h"
+#include "platform/qt/QtTrayHost.h"
 #include "screens/theme/Theme.h"
 #include "shell/AppDelegate.h"
 #include "shell/MainWindowScene.h"
+#include "shell/MenuBarExtra.h"
 #include "shell/WindowManager.h"
 #include "support/NotificationCenter.h"
 #include "tunnel/RoutingLayer.h"
@@ -74,6 +76,7 @@ struct FernwickApp::Backends {
     support::NotificationCenter notifications;
     platform::QtDialogs dialogs;
     platform::QtPasteboard pasteboard;
+    platform::QtTrayHost tray{host};
 };
 
 // The application's state and windows, in the order in which they come to life.
@@ -105,7 +108,16 @@ struct FernwickApp::Scene {
                       backends.dialogs,
                       backends.pasteboard,
                       {}},
-                     routing, delegate, windows) {}
+                     routing, delegate, windows),
+          menuBar({theme,
+                   store,
+                   tunnels,
+                   backends.dispatch,
+                   {.openProxyRules = nullptr,
+                    .openMainWindow = [this] { windows.openMainWindow(); },
+                    .openSettings = nullptr,
+                    .quit = [] { QCoreApplication::quit(); }}},
+                  backends.tray) {}
 
     Theme theme;
     std::unique_ptr<platform::UserDefaults> defaults;
@@ -118,6 +130,7 @@ struct FernwickApp::Scene {
     AppDelegate delegate;
     WindowManager windows;
     MainWindowScene mainWindow;
+    MenuBarExtra menuBar;
 };
 
 FernwickApp::FernwickApp(QApplication& application)
@@ -139,6 +152,7 @@ int FernwickApp::run() {
     backends_->power.start();
     scene_->delegate.applicationDidFinishLaunching();
     scene_->mainWindow.open();
+    scene_->menuBar.start();
     const int status = QApplication::exec();
     scene_.reset();
     backends_->commands.abandonAll(); // the pool, which ends next, would wait for a command that hangs
@@ -147,6 +161,7 @@ int FernwickApp::run() {
 
 void FernwickApp::terminate() {
     backends_->notifications.post(platform::kApplicationWillTerminate);
+    scene_->menuBar.remove();
     scene_->delegate.applicationWillTerminate();
 }
 

@@ -55,6 +55,11 @@ constexpr std::array kFiles{IconFile{Icon::plus, "plus"},
                             IconFile{Icon::note, "note"},
                             IconFile{Icon::personKey, "person-key"},
                             IconFile{Icon::sliders, "sliders"},
+                            IconFile{Icon::play, "play"},
+                            IconFile{Icon::stop, "stop"},
+                            IconFile{Icon::power, "power"},
+                            IconFile{Icon::window, "window"},
+                            IconFile{Icon::arrowClockwise, "arrow-clockwise"},
                             IconFile{Icon::application, "com.fernwick.Fernwick"}};
 
 QString fileOf(Icon icon) {

@@ -45,6 +45,11 @@ enum class Icon {
     note,
     personKey,
     sliders,
+    play,
+    stop,
+    power,
+    window,
+    arrowClockwise,
     application // the application's own mark, which keeps its colours
 };
 
