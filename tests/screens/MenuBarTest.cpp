@@ -14,6 +14,8 @@ namespace {
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 
+constexpr int kSlowMachine = 4; // how much slower than a user's the machine may be that runs the tests
+
 // Counts how often each row of a list is painted.
 class PaintedRows final : public QStyledItemDelegate {
 public:
@@ -56,9 +58,19 @@ protected:
         bench.settle();
     }
 
-    QStringList footer() const {
+    [[nodiscard]] std::vector<const MenuBarFooterButton*> footerButtons() const {
+        std::vector<const MenuBarFooterButton*> buttons;
+        for (const auto* child : bench.popover->findChildren<QAbstractButton*>()) {
+            if (const auto* button = dynamic_cast<const MenuBarFooterButton*>(child)) {
+                buttons.push_back(button);
+            }
+        }
+        return buttons;
+    }
+
+    [[nodiscard]] QStringList footer() const {
         QStringList labels;
-        for (const auto* button : bench.popover->findChildren<MenuBarFooterButton*>()) {
+        for (const auto* button : footerButtons()) {
             labels.append(button->text());
         }
         return labels;
@@ -261,7 +273,7 @@ TEST_F(MenuBar, FooterStandsInItsOrderAndTheLastEntryIsDestructive) {
     bench.openPopover();
     EXPECT_EQ(footer(), (QStringList{QStringLiteral("Proxies & Rules..."), QStringLiteral("Open Main Window"),
                                      QStringLiteral("Preferences..."), QStringLiteral("Quit Fernwick")}));
-    for (const auto* button : bench.popover->findChildren<MenuBarFooterButton*>()) {
+    for (const auto* button : footerButtons()) {
         EXPECT_EQ(button->isDestructive(), button->text() == QStringLiteral("Quit Fernwick"));
     }
 }
@@ -365,8 +377,9 @@ TEST_F(MenuBar, TwoHundredTunnelsArePaintedAtOnce) {
     QElapsedTimer clock;
     clock.start();
     bench.openPopover().grab();
-    EXPECT_LT(clock.elapsed(), 50 * 4) << "milliseconds";
-    std::printf("popover with 200 tunnels: %lld ms\n", static_cast<long long>(clock.elapsed()));
+    const auto took = clock.elapsed();
+    std::printf("popover with 200 tunnels: %lld ms\n", static_cast<long long>(took));
+    EXPECT_LT(took, kSlowMachine * 50) << "milliseconds";
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusVariant>
 #include <QMetaObject>
 
 #include <utility>
@@ -14,7 +15,10 @@ namespace fernwick::platform {
 
 namespace {
 
+// The names are those of the StatusNotifierItem specification (freedesktop.org), as KDE first gave them.
 const auto kWatcher = QStringLiteral("org.kde.StatusNotifierWatcher");
+const auto kPath = QStringLiteral("/StatusNotifierWatcher");
+const auto kRegistered = QStringLiteral("StatusNotifierHostRegistered");
 
 } // namespace
 
@@ -25,44 +29,57 @@ QtTrayHost::~QtTrayHost() = default;
 void QtTrayHost::start() {
     tray_.onAppeared = [this] {
         // Later, when the toolkit has read the message too.
-        QMetaObject::invokeMethod(&context_, [this] { tellAppeared(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, [this] { tellAppeared(); }, Qt::QueuedConnection);
     };
     tray_.watch();
     if (hasBus_) {
         watchBus();
     } else {
-        QMetaObject::invokeMethod(&context_, [this] { firstLookDone(false); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, [this] { lookDone(false); }, Qt::QueuedConnection);
     }
 }
 
 void QtTrayHost::watchBus() {
     // The toolkit's own connection, which its icon will use as well.
-    const auto bus = QDBusConnection::sessionBus();
+    auto bus = QDBusConnection::sessionBus();
     watcher_ = std::make_unique<QDBusServiceWatcher>(kWatcher, bus, QDBusServiceWatcher::WatchForRegistration);
-    QObject::connect(watcher_.get(), &QDBusServiceWatcher::serviceRegistered, &context_,
-                     [this] { tellAppeared(); });
-    askBus();
+    connect(watcher_.get(), &QDBusServiceWatcher::serviceRegistered, this, [this] { askWatcher(); });
+    bus.connect(kWatcher, kPath, kWatcher, kRegistered, this, SLOT(StatusNotifierHostRegistered()));
+    askWatcher();
 }
 
-void QtTrayHost::askBus() {
+void QtTrayHost::askWatcher() {
     auto call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"));
-    call << kWatcher;
-    auto* answer = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), &context_);
-    QObject::connect(answer, &QDBusPendingCallWatcher::finished, &context_, [this, answer] {
+        kWatcher, kPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+    call << kWatcher << QStringLiteral("IsStatusNotifierHostRegistered");
+    call.setAutoStartService(false);
+    auto* answer = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
         answer->deleteLater();
-        const QDBusPendingReply<bool> reply = *answer;
-        firstLookDone(reply.isValid() && reply.value());
+        const QDBusPendingReply<QDBusVariant> reply = *answer;
+        lookDone(reply.isValid() && reply.value().variant().toBool());
     });
 }
 
-void QtTrayHost::firstLookDone(bool found) {
+void QtTrayHost::StatusNotifierHostRegistered() {
+    tellAppeared();
+}
+
+void QtTrayHost::lookDone(bool found) {
     if (found || tray_.isPresent()) {
         tellAppeared();
-    } else if (!told_) {
+    } else if (!std::exchange(looked_, true) && !told_) {
         absent.emit();
     }
+}
+
+void QtTrayHost::unwatch() {
+    if (watcher_) {
+        QDBusConnection::sessionBus().disconnect(kWatcher, kPath, kWatcher, kRegistered, this,
+                                                 SLOT(StatusNotifierHostRegistered()));
+        watcher_.reset();
+    }
+    tray_.unwatch();
 }
 
 void QtTrayHost::tellAppeared() {
@@ -70,13 +87,7 @@ void QtTrayHost::tellAppeared() {
         return;
     }
     // The watches have done their work; they may be what called us, so they go later.
-    QMetaObject::invokeMethod(
-        &context_,
-        [this] {
-            watcher_.reset();
-            tray_.unwatch();
-        },
-        Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, [this] { unwatch(); }, Qt::QueuedConnection);
     appeared.emit();
 }
 

@@ -47,6 +47,7 @@ void MenuBarFooterButton::paintEvent(QPaintEvent* /*event*/) {
         stylepaint::focusRing(painter, QRectF(rect()).adjusted(grid::kTight, 0, -grid::kTight, 0),
                               colors.accent, grid::kControlRadius - 1);
     }
+    const auto leading = QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) | Qt::AlignAbsolute;
     const auto place = [this](const QRect& where) {
         return QStyle::visualRect(layoutDirection(), rect(), where);
     };
@@ -55,7 +56,7 @@ void MenuBarFooterButton::paintEvent(QPaintEvent* /*event*/) {
     const int left = icon.right() + 1 + kGap;
     painter.setPen(ink);
     painter.drawText(place(QRect(left, 0, width() - left - kHorizontalPadding, height())),
-                     Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, text());
+                     Qt::AlignVCenter | Qt::TextSingleLine | static_cast<int>(leading.toInt()), text());
 }
 
 } // namespace fernwick

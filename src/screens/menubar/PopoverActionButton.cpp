@@ -52,6 +52,7 @@ void PopoverActionButton::paintEvent(QPaintEvent* /*event*/) {
         stylepaint::focusRing(painter, area, colors.accent, radius);
     }
     int left = (width() - contentWidth()) / 2;
+    const auto leading = QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) | Qt::AlignAbsolute;
     const auto place = [this](const QRect& where) {
         return QStyle::visualRect(layoutDirection(), rect(), where);
     };
@@ -64,7 +65,7 @@ void PopoverActionButton::paintEvent(QPaintEvent* /*event*/) {
     }
     painter.setPen(colors.text);
     painter.drawText(place(QRect(left, 0, width() - left - 1, height())),
-                     Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, text());
+                     Qt::AlignVCenter | Qt::TextSingleLine | static_cast<int>(leading.toInt()), text());
 }
 
 } // namespace fernwick

@@ -94,6 +94,7 @@ void PopoverTunnelList::keyPressEvent(QKeyEvent* event) {
         event->ignore(); // the window's
         return;
     }
+    window()->setAttribute(Qt::WA_KeyboardFocusChange); // from here on the ring shows
     QListView::keyPressEvent(event);
 }
 
