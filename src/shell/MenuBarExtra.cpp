@@ -80,7 +80,7 @@ void MenuBarExtra::activated(QSystemTrayIcon::ActivationReason reason) {
         return; // the icon opens its menu itself
     }
     if (window_ && window_->isVisible()) {
-        window_->hide();
+        window_->dismiss();
     } else if (!justClosed_) {
         openPopover();
     }

@@ -33,7 +33,7 @@ MenuBarExtraWindow::MenuBarExtraWindow(MenuBarCommands& commands, TunnelTally& t
     layout->setContentsMargins(1, 1, 1, 1); // the border
     layout->setSizeConstraint(QLayout::SetFixedSize);
     layout->addWidget(popover_);
-    popover_->onEntryChosen = [this] { hide(); };
+    popover_->onEntryChosen = [this] { dismiss(); };
 }
 
 void MenuBarExtraWindow::openBeside(const QRect& icon) {
@@ -49,14 +49,20 @@ void MenuBarExtraWindow::openBeside(const QRect& icon) {
     activateWindow();
 }
 
+void MenuBarExtraWindow::dismiss() {
+    dismissing_ = true; // it loses the keyboard by that, too
+    hide();
+    dismissing_ = false;
+}
+
 void MenuBarExtraWindow::place() {
     const QScreen& screen = screenOf(icon_);
     move(popoverCorner(size(), icon_, {screen.geometry(), screen.availableGeometry()}));
 }
 
 bool MenuBarExtraWindow::event(QEvent* event) {
-    if (event->type() == QEvent::WindowDeactivate && isVisible()) {
-        hide();
+    if (event->type() == QEvent::WindowDeactivate && isVisible() && !dismissing_) {
+        dismiss();
         if (onFocusLost) {
             onFocusLost();
         }
@@ -66,7 +72,7 @@ bool MenuBarExtraWindow::event(QEvent* event) {
 
 void MenuBarExtraWindow::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape) {
-        hide();
+        dismiss();
         return;
     }
     QWidget::keyPressEvent(event);

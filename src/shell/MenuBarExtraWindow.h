@@ -21,6 +21,9 @@ Q_OBJECT // its name as a class is what tells it from the main window
     // Shows it beside an icon, in the screen's coordinates, and gives it the keyboard.
     void openBeside(const QRect& icon);
 
+    // Takes it from the screen.
+    void dismiss();
+
     // Called when it goes because it lost the keyboard.
     std::function<void()> onFocusLost;
 
@@ -36,6 +39,7 @@ private:
     const Theme& theme_;
     MenuBarPopover* popover_;
     QRect icon_; // that it stands beside
+    bool dismissing_ = false;
 };
 
 } // namespace fernwick

@@ -193,6 +193,12 @@ class Notifier(Tray):
         self.host.activate()
         self.opened(app)
 
+    def test_signal_ends_with_the_popover_open(self) -> None:
+        app = self.start_idle("One")
+        self.host.activate()
+        self.opened(app)
+        self.assertEqual(app.quit(), 0)
+
     def test_menu_has_the_footer_and_quit_ends(self) -> None:
         app = self.start_idle("One")
         self.assertEqual(list(self.host.menu()), FOOTER)

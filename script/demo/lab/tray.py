@@ -82,7 +82,7 @@ class NotifierHost:
         """The entries of the item's menu, by their label, with their numbers."""
         from gi.repository import GLib
 
-        answer = self.desktop.call(self.item(), self._menu_path(), "com.canonical.dbusmenu.GetLayout", "0", "-1", "[]")
+        answer = self.desktop.call(self.item(), self._menu_path(), "com.canonical.dbusmenu.GetLayout", "0", "9", "[]")
         _, layout = GLib.Variant.parse(None, answer, None, None).unpack()
         return {entry[1]["label"]: entry[0] for entry in layout[2] if entry[1].get("label")}
 

@@ -3,6 +3,7 @@
 #include "screens/menubar/PopoverRowButton.h"
 #include "screens/menubar/PopoverTunnelRow.h"
 
+#include <QCoreApplication>
 #include <QCursor>
 #include <QKeyEvent>
 #include <QScrollBar>
@@ -23,7 +24,7 @@ PopoverTunnelList::PopoverTunnelList(const Theme& theme, PopoverTunnelModel& mod
       rows_(model),
       delegate_(new PopoverTunnelRow(
           theme, model, [this](int row) { return highlight(row); }, this)),
-      button_(new PopoverRowButton(theme, viewport())) {
+      button_(new PopoverRowButton(theme, parent)) {
     setObjectName(QStringLiteral("popoverTunnelList"));
     setAccessibleName(QStringLiteral("Tunnels"));
     setFrameShape(QFrame::NoFrame);
@@ -43,6 +44,7 @@ PopoverTunnelList::PopoverTunnelList(const Theme& theme, PopoverTunnelModel& mod
     fading_.setDuration(kFadeTime);
     fading_.setEasingCurve(QEasingCurve::InOutSine);
     connect(&fading_, &QVariantAnimation::valueChanged, this, [this] { fade(); });
+    button_->installEventFilter(this);
     connect(button_, &QAbstractButton::clicked, this, [this] { press(lit_); });
 }
 
@@ -71,16 +73,25 @@ void PopoverTunnelList::dataChanged(const QModelIndex& topLeft, const QModelInde
 }
 
 bool PopoverTunnelList::viewportEvent(QEvent* event) {
-    if (event->type() == QEvent::MouseMove || event->type() == QEvent::Enter) {
+    if (event->type() == QEvent::MouseMove || event->type() == QEvent::Enter ||
+        event->type() == QEvent::Leave) {
         lightUnderPointer();
-    } else if (event->type() == QEvent::Leave) {
-        light(hasFocus() ? currentIndex().row() : -1);
     }
     // A press anywhere but on the button is nothing; it does not move the keyboard's row either.
     if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick) {
         return true;
     }
     return QListView::viewportEvent(event);
+}
+
+bool PopoverTunnelList::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == button_ && event->type() == QEvent::Leave) {
+        lightUnderPointer();
+    }
+    if (watched == button_ && event->type() == QEvent::Wheel) {
+        return QCoreApplication::sendEvent(viewport(), event); // it lies over the list
+    }
+    return QListView::eventFilter(watched, event);
 }
 
 void PopoverTunnelList::keyPressEvent(QKeyEvent* event) {
@@ -137,9 +148,10 @@ void PopoverTunnelList::resizeEvent(QResizeEvent* event) {
 }
 
 void PopoverTunnelList::lightUnderPointer() {
-    byKeyboard_ = false;
     const QPoint place = viewport()->mapFromGlobal(QCursor::pos());
-    light(viewport()->rect().contains(place) ? indexAt(place).row() : -1);
+    const bool inside = viewport()->rect().contains(place);
+    byKeyboard_ = !inside && hasFocus();
+    light(inside ? indexAt(place).row() : (byKeyboard_ ? currentIndex().row() : -1));
 }
 
 void PopoverTunnelList::light(int row) {
@@ -162,8 +174,17 @@ void PopoverTunnelList::placeButton() {
     button_->setTunnel(rows_.tunnel(lit_).name, rows_.isActive(lit_));
     button_->setShown(highlight(lit_));
     const QRect row = visualRect(rows_.index(lit_));
-    button_->move(row.right() + 1 - PopoverTunnelRow::kHorizontalPadding - button_->width() + kOverhang,
-                  row.top() + (row.height() - button_->height()) / 2);
+    const QPoint place(row.right() + 1 - PopoverTunnelRow::kHorizontalPadding - button_->width() + kOverhang,
+                       row.top() + (row.height() - button_->height()) / 2);
+    // A row that is scrolled half out of sight shows half of its button.
+    const QRect seen = viewport()->rect().translated(-place).intersected(button_->rect());
+    if (seen.isEmpty()) {
+        button_->hide();
+        return;
+    }
+    button_->move(viewport()->mapTo(parentWidget(), place));
+    button_->setMask(seen);
+    button_->raise();
     button_->show();
 }
 

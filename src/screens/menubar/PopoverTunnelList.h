@@ -21,7 +21,7 @@ public:
     static constexpr int kHeightLimit = 360;
     static constexpr int kFadeTime = 100; // milliseconds
 
-    // The theme and the model outlive the list.
+    // The theme and the model outlive the list; the parent is a widget that the list stays in.
     PopoverTunnelList(const Theme& theme, PopoverTunnelModel& model, QWidget* parent);
 
     // Called with the id of the tunnel whose button was pressed.
@@ -42,6 +42,7 @@ public:
 
 protected:
     bool viewportEvent(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
@@ -60,7 +61,7 @@ private:
 
     PopoverTunnelModel& rows_;
     PopoverTunnelRow* delegate_;
-    PopoverRowButton* button_;
+    PopoverRowButton* button_; // the parent's: assistive technology sees nothing in a list but its rows
     QVariantAnimation fading_;
     int lit_ = -1;
     int leaving_ = -1;        // the row that was lit before, while it fades
