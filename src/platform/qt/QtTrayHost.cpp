@@ -32,7 +32,7 @@ void QtTrayHost::start() {
         QMetaObject::invokeMethod(this, [this] { tellAppeared(); }, Qt::QueuedConnection);
     };
     tray_.watch();
-    if (hasBus_) {
+    if (hasBus_ && QDBusConnection::sessionBus().isConnected()) {
         watchBus();
     } else {
         QMetaObject::invokeMethod(this, [this] { lookDone(false); }, Qt::QueuedConnection);

@@ -6,9 +6,6 @@
 #include "screens/menubar/PopoverTunnelModel.h"
 #include "screens/theme/Parts.h"
 
-#include <QPaintEvent>
-#include <QPainter>
-
 #include <algorithm>
 #include <utility>
 
@@ -171,11 +168,6 @@ void MenuBarPopover::showEvent(QShowEvent* event) {
 void MenuBarPopover::hideEvent(QHideEvent* event) {
     subscriptions_.clear();
     QWidget::hideEvent(event);
-}
-
-void MenuBarPopover::paintEvent(QPaintEvent* event) {
-    QPainter painter(this);
-    painter.fillRect(event->rect(), commands_.context().theme.colors().window);
 }
 
 } // namespace fernwick

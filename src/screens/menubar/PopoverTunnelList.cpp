@@ -111,7 +111,7 @@ void PopoverTunnelList::keyPressEvent(QKeyEvent* event) {
 
 void PopoverTunnelList::focusInEvent(QFocusEvent* event) {
     // Not the toolkit's own answer, which would make the first row current when the popover opens.
-    QAbstractScrollArea::focusInEvent(event);
+    QAbstractScrollArea::focusInEvent(event); // NOLINT(bugprone-parent-virtual-call)
     const bool byKey = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
     if (byKey && !currentIndex().isValid() && rows_.rowCount() > 0) {
         setCurrentIndex(rows_.index(0));
