@@ -8,6 +8,7 @@ pkg_check_modules(LIBSECRET REQUIRED IMPORTED_TARGET libsecret-1)
 
 if(FERNWICK_UI)
   find_package(Qt6 REQUIRED COMPONENTS Widgets DBus Network Svg)
+  pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb)
 endif()
 if(FERNWICK_TESTS)
   find_package(GTest REQUIRED)

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 
+#include <cstdlib>
 #include <memory>
 #include <semaphore>
 #include <utility>
@@ -19,7 +20,9 @@ void makeKeyAndOrderFront(QWidget& window) {
 }
 
 AppDelegate::AppDelegate(platform::Dispatch& dispatch, RoutingLayer& routing)
-    : dispatch_(dispatch), routing_(routing), self_(*this) {}
+    : dispatch_(dispatch), routing_(routing), self_(*this) {
+    qApp->installEventFilter(this);
+}
 
 void AppDelegate::applicationDidFinishLaunching() {
     dispatch_.mainAfter(kAdoptionDelay, [weak = self_.weak()] {
@@ -71,6 +74,12 @@ bool AppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/) {
 }
 
 bool AppDelegate::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Quit && watched == qApp) {
+        // The toolkit would ask every window first, and the main one refuses to close: beside another visible
+        // window that is enough to call the end off.
+        QCoreApplication::exit(EXIT_SUCCESS);
+        return true;
+    }
     if (event->type() == QEvent::Close && watched == answered_ && !windowShouldClose(*answered_)) {
         event->ignore();
         return true;

@@ -5,6 +5,7 @@
 #include "catalogue/TagManager.h"
 #include "catalogue/TunnelStore.h"
 #include "platform/AppNotifications.h"
+#include "platform/linux/DesktopEntryApplications.h"
 #include "platform/linux/DesktopProxySettings.h"
 #include "platform/linux/EngineService.h"
 #include "platform/linux/PkexecShell.h"
@@ -22,10 +23,14 @@
 #include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtDispatch.h"
 #include "platform/qt/QtPasteboard.h"
+#include "platform/qt/QtTrayHost.h"
 #include "routing/Routing.h"
+#include "screens/routing/ProxyRuleWindowController.h"
+#include "screens/routing/RuleEditView.h"
 #include "screens/theme/Theme.h"
 #include "shell/AppDelegate.h"
 #include "shell/MainWindowScene.h"
+#include "shell/MenuBarExtra.h"
 #include "shell/WindowManager.h"
 #include "support/NotificationCenter.h"
 #include "tunnel/TunnelManager.h"
@@ -89,12 +94,14 @@ struct FernwickApp::Backends {
     platform::PkexecShell administrator{commands};
     platform::DesktopProxySettings proxySettings{commands, host, files};
     platform::LazyKeychain keychain{programFolder(), host};
+    platform::DesktopEntryApplications applications{host};
     platform::LogindPowerEvents power{dispatch, host};
     platform::DBusSingleInstance instance{host};
     platform::FileUserDefaultsProvider defaultsProvider{dispatch, host};
     support::NotificationCenter notifications;
     platform::QtDialogs dialogs;
     platform::QtPasteboard pasteboard;
+    platform::QtTrayHost tray{host};
 };
 
 // The application's state and windows, in the order in which they come to life.
@@ -129,20 +136,30 @@ struct FernwickApp::Scene {
           tags(*defaults),
           delegate(backends.dispatch, routing),
           windows(backends.dispatch, delegate),
-          mainWindow({theme,
-                      store,
-                      tunnels,
-                      keys,
-                      tags,
-                      backends.notifications,
-                      backends.dispatch,
-                      backends.clock,
-                      backends.host,
-                      keychain,
-                      backends.dialogs,
-                      backends.pasteboard,
-                      {}},
-                     routing, delegate, windows) {}
+          routingContext{theme, rules, tunnels, backends.dispatch, backends.applications},
+          proxyRules(routingContext,
+                     [this](QWidget* parent, const TunnelNames& names, std::optional<AppRule> rule) {
+                         (new RuleEditView(routingContext, names, std::move(rule), parent))->open();
+                     }),
+          mainWindow({theme, store, tunnels, keys, tags, backends.notifications, backends.dispatch,
+                      backends.clock, backends.host, keychain, backends.dialogs, backends.pasteboard,
+                      [this](const auto& pairs) {
+                          TunnelNames names;
+                          for (const auto& [id, name] : pairs) {
+                              names.push_back({id, name});
+                          }
+                          proxyRules.show(std::move(names));
+                      }},
+                     routing, delegate, windows),
+          menuBar({theme,
+                   store,
+                   tunnels,
+                   backends.dispatch,
+                   {.openProxyRules = [this](TunnelNames names) { proxyRules.show(std::move(names)); },
+                    .openMainWindow = [this] { windows.openMainWindow(); },
+                    .openSettings = nullptr,
+                    .quit = [] { QCoreApplication::quit(); }}},
+                  backends.tray) {}
 
     Theme theme;
     std::unique_ptr<platform::UserDefaults> defaults;
@@ -155,7 +172,10 @@ struct FernwickApp::Scene {
     TagManager tags;
     AppDelegate delegate;
     WindowManager windows;
+    RoutingContext routingContext;
+    ProxyRuleWindowController proxyRules;
     MainWindowScene mainWindow;
+    MenuBarExtra menuBar;
 };
 
 FernwickApp::FernwickApp(QApplication& application)
@@ -177,6 +197,7 @@ int FernwickApp::run() {
     backends_->power.start();
     scene_->delegate.applicationDidFinishLaunching();
     scene_->mainWindow.open();
+    scene_->menuBar.start();
     const int status = QApplication::exec();
     // What works in the background works on the scene. A command that hangs is waited for by nobody.
     backends_->commands.abandonAll();
@@ -187,6 +208,7 @@ int FernwickApp::run() {
 
 void FernwickApp::terminate() {
     backends_->notifications.post(platform::kApplicationWillTerminate);
+    scene_->menuBar.remove();
     scene_->delegate.applicationWillTerminate();
 }
 

@@ -9,8 +9,10 @@ namespace fernwick {
 
 WindowTraits traitsOf(const QWidget& window) {
     const auto type = window.windowType();
-    const bool ordinary = type == Qt::Window || type == Qt::Widget;
-    const bool takesFocus = !window.windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus);
+    // What the window manager never hears of is none of the user's windows: the toolkit's icon in an X tray.
+    const bool managed = !window.windowFlags().testFlag(Qt::BypassWindowManagerHint);
+    const bool ordinary = managed && (type == Qt::Window || type == Qt::Widget);
+    const bool takesFocus = managed && !window.windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus);
     const bool isPanel = type == Qt::Dialog || type == Qt::Sheet || type == Qt::Drawer || type == Qt::Tool ||
                          type == Qt::Popup || type == Qt::ToolTip || type == Qt::SplashScreen;
     const bool neverKey = type == Qt::ToolTip || type == Qt::SplashScreen || type == Qt::Desktop;

@@ -183,6 +183,20 @@ TEST(AppDelegate, TheEndOfTheSessionIsHeldUpByNoWindow) {
     EXPECT_EQ(QApplication::exec(), EXIT_SUCCESS);
 }
 
+// Which window the toolkit asks first is left to chance.
+TEST(AppDelegate, TheEndIsHeldUpByNoWindowBesideTheMainOne) {
+    ShellWorld world;
+    const auto window = shown(u"Fernwick");
+    world.launch();
+    std::vector<std::unique_ptr<QMainWindow>> others;
+    for (int count = 0; count < 10; ++count) {
+        others.push_back(shown(u"Beside"));
+    }
+    QTimer::singleShot(0, qApp, [] { QCoreApplication::quit(); });
+    QTimer::singleShot(5s, qApp, [] { QCoreApplication::exit(EXIT_FAILURE); });
+    EXPECT_EQ(QApplication::exec(), EXIT_SUCCESS);
+}
+
 TEST(WindowManager, PrefersTheMainWindowThenTheActionThenAnotherWindow) {
     ShellWorld world;
     auto main = shown(u"Fernwick");

@@ -71,6 +71,13 @@ TEST(WindowTraits, AuxiliaryWindowsAreReadAsPanels) {
     }
 }
 
+// The toolkit's icon in a tray of the X server has no other mark.
+TEST(WindowTraits, WindowThatNoWindowManagerKnowsIsNeitherMainNorKey) {
+    const QWidget window(nullptr, Qt::Window | Qt::BypassWindowManagerHint);
+    EXPECT_FALSE(canBeAdopted(traitsOf(window)));
+    EXPECT_FALSE(canStandIn(traitsOf(window)));
+}
+
 TEST(WindowTraits, WindowThatTakesNoKeyboardIsNeverKey) {
     const QWidget window(nullptr, Qt::Window | Qt::WindowDoesNotAcceptFocus);
     EXPECT_FALSE(traitsOf(window).canBecomeKey);

@@ -60,6 +60,11 @@ constexpr std::array kFiles{IconFile{Icon::plus, "plus"},
                             IconFile{Icon::branch, "branch"},
                             IconFile{Icon::list, "list"},
                             IconFile{Icon::minus, "minus"},
+                            IconFile{Icon::play, "play"},
+                            IconFile{Icon::stop, "stop"},
+                            IconFile{Icon::power, "power"},
+                            IconFile{Icon::window, "window"},
+                            IconFile{Icon::arrowClockwise, "arrow-clockwise"},
                             IconFile{Icon::application, "com.fernwick.Fernwick"}};
 
 QString fileOf(Icon icon) {

@@ -50,6 +50,11 @@ enum class Icon {
     branch,
     list,
     minus,
+    play,
+    stop,
+    power,
+    window,
+    arrowClockwise,
     application // the application's own mark, which keeps its colours
 };
 
