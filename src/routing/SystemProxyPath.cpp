@@ -9,7 +9,7 @@ namespace fernwick {
 SystemProxyPath::SystemProxyPath(platform::NetworkProxySettings& settings, const platform::Clock& clock,
                                  std::uint16_t pacPort, support::PrintLine print)
     : server_(pacPort),
-      manager_(settings, clock, [this](std::string text) { server_.update(text); }, std::move(print)) {}
+      manager_(settings, clock, [this](const std::string& text) { server_.update(text); }, std::move(print)) {}
 
 template <class Work>
 void SystemProxyPath::takeTurn(Request request, Work work) {
