@@ -8,11 +8,10 @@ from __future__ import annotations
 import os
 import signal
 import subprocess
-import sys
 import urllib.request
 from pathlib import Path
 
-from harness import SshTest, main, stored, wait_until
+from harness import SshTest, main, own_network, stored, wait_until
 from lab import site
 from lab.app import App
 from lab.proxysettings import ProxySettings
@@ -22,7 +21,6 @@ from lab.wire import free_port
 SCRIPT = "http://127.0.0.1:9876/proxy.pac"
 DIRECT = 'function FindProxyForURL(url, host) { return "DIRECT"; }'
 CLIENT = Path(__file__).resolve().parents[2] / "script/demo/lab/webclient.py"
-ALONE = "FERNWICK_OWN_NETWORK"
 
 
 def script(path: str = "") -> str:
@@ -159,16 +157,6 @@ class Routing(SshTest):
         self.assertFalse((self.session.home / ".local/share/Fernwick/clash/config.yaml").exists())
 
 
-def own_network() -> None:
-    """Starts this program again in a network namespace with nothing but loopback; returns at once inside it."""
-    if os.environ.get(ALONE) == str(os.getpid()):
-        subprocess.run(["ip", "link", "set", "lo", "up"], check=True)
-        return
-    os.environ[ALONE] = str(os.getpid())
-    os.execvp("unshare", ["unshare", "--net", "--", sys.executable, *sys.orig_argv[1:]])
-
-
 if __name__ == "__main__":
-    if "FERNWICK_LAB_NAMESPACE" not in os.environ:
-        own_network()
+    own_network()
     main()

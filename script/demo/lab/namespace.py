@@ -33,9 +33,14 @@ def unshare_command() -> list[str]:
     return ["unshare", "--user", "--map-current-user", "--keep-caps", "--mount", "--propagation", "private", "--"]
 
 
+def inside() -> bool:
+    """Whether this program was started again by `enter`."""
+    return os.environ.get(_INSIDE) == str(os.getpid())
+
+
 def enter() -> None:
     """Starts the running Python program again inside a namespace; returns at once when it already is inside."""
-    if os.environ.get(_INSIDE) == str(os.getpid()):
+    if inside():
         return
     command = unshare_command()
     if shutil.which("unshare") is None or subprocess.run([*command, "true"], capture_output=True).returncode != 0:
