@@ -19,6 +19,7 @@ from typing import Any
 
 from harness import SshTest, main, own_network, stored, wait_until
 from lab.app import App
+from lab.engine import StandIn
 from lab.session import alive
 from lab.wire import free_port, listens
 
@@ -63,7 +64,7 @@ class Engine(SshTest):
         rule = {"id": stored.fresh_id(), "name": "Inside", "isEnabled": True, "applications": [],
                 "targetHosts": ["office.example"], "targetPorts": [], "action": "Tunnel", "tunnelID": office["id"]}
         self.preferences.seed(**{stored.TUNNELS: [office], stored.KEYS: [self.key], "com.fernwick.rules": [rule]})
-        app = self.start_as_is(mounts=self.mounts)
+        app = self.start_as_is(engine=StandIn(self.mounts))
         wait_until(lambda: self.asked("GET /version"), "the engine is asked whether it lives")
         return app
 
@@ -132,7 +133,7 @@ class Engine(SshTest):
         app.process.kill()
         app.ended()
         self.assertTrue(alive(first["pid"]))
-        self.start_as_is(mounts=self.mounts)
+        self.start_as_is(engine=StandIn(self.mounts))
         wait_until(lambda: len(self.asked("start")) == 2, "the engine is started again")
         wait_until(lambda: not alive(first["pid"]), "the old one ends")
 

@@ -10,7 +10,7 @@ from collections.abc import Sequence
 from pathlib import Path
 
 from lab.desktop import Desktop
-from lab.engine import Engine, kept_away
+from lab.engine import StandIn, kept_away
 from lab.namespace import NESTED
 from lab.preferences import Preferences
 from lab.screen import Screen, Widget, act, checked, selected, walk
@@ -32,7 +32,7 @@ class App(Screen):
 
     def __init__(self, session: Session, desktop: Desktop, *,
                  environment: dict[str, str] | None = None, stand_in: Path | None = None,
-                 mounts: Sequence[str] = (), inside: Sequence[str] = (), engine: Engine | None = None) -> None:
+                 mounts: Sequence[str] = (), inside: Sequence[str] = (), engine: StandIn | None = None) -> None:
         """Starts the program; with `stand_in` in place of ssh, after the shell commands `mounts` in a namespace, and
         by way of the command `inside`. It meets the proxy engine only when it is given one, and then has all powers."""
         self.session = session

@@ -24,11 +24,24 @@ def kept_away() -> list[str]:
     return [f"mount --bind /bin/true {path}" for path in [*here, "/usr/bin/pkill"]] if here else []
 
 
-class Engine:
-    """The engine as it is handed to the application."""
+class StandIn:
+    """Something in the engine's place, as it is handed to the application."""
+
+    def __init__(self, commands: list[str]) -> None:
+        """Takes the shell commands by which the application finds it."""
+        self.commands = commands
+
+    def mounts(self) -> list[str]:
+        """Those commands."""
+        return self.commands
+
+
+class Engine(StandIn):
+    """The engine itself, handed to the application."""
 
     def __init__(self, session: Session, path: str) -> None:
         """Lays out the folder of its configuration, with the country database that it insists on."""
+        super().__init__([])
         self.session = session
         self.path = path
         self.folder = session.home / ".local/share/Fernwick/clash"
