@@ -1,0 +1,1 @@
+#include "portability/SyncManager.h"
