@@ -71,10 +71,10 @@ public:
 
 private:
     void askForAccount(platform::Priority priority, std::function<void(CloudSync&, bool)> answer);
-    void push(const CatalogueBlobs& blobs, const Completion& completion);
+    void push(const Completion& completion);
     void pushed(bool succeeded, const Completion& completion);
     void pull(const Completion& completion);
-    void pulled(const Completion& completion);
+    void fetched(const Completion& completion);
     void takeHeldChanges();
     void stampSync();
 

@@ -122,7 +122,7 @@ public:
 private:
     void writeExport(const std::optional<std::string>& path, const std::string& bytes,
                      const CatalogueBlobs& blobs, const SyncCompletion& completion);
-    void restored(const SyncCompletion& completion);
+    void restored(std::string_view message, const SyncCompletion& completion);
 
     SyncServices services_;
     PublishedSyncState state_{changed};
