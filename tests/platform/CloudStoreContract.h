@@ -10,8 +10,8 @@
 
 namespace fernwick::platform {
 
-// `Harness` has store(), which nobody has used, with an account; setSignedIn(bool); change(key, bytes) and
-// remove(key), by somebody else; and waitUntil(condition).
+// `Harness` has store(), which nobody has used, with an account; setSignedIn(bool); change(key, bytes), by
+// somebody else; and waitUntil(condition).
 template <class Harness>
 class CloudStoreContract : public testing::Test {
 protected:
@@ -84,15 +84,6 @@ TYPED_TEST_P(CloudStoreContract, ChangeBySomebodyElseIsToldAndReplacesTheValue) 
     EXPECT_EQ(this->store().data("another"), Data("value"));
 }
 
-TYPED_TEST_P(CloudStoreContract, ValueThatSomebodyRemovesIsToldAndGone) {
-    this->harness_.change("key", "value");
-    const auto listening = this->listen();
-    this->told_.clear();
-    this->harness_.remove("key");
-    EXPECT_TRUE(this->areTold({"key"}));
-    EXPECT_EQ(this->store().data("key"), std::nullopt);
-}
-
 TYPED_TEST_P(CloudStoreContract, EachListenerIsCalledForAsLongAsItSubscribes) {
     const auto first = this->listen();
     {
@@ -107,6 +98,6 @@ TYPED_TEST_P(CloudStoreContract, EachListenerIsCalledForAsLongAsItSubscribes) {
 REGISTER_TYPED_TEST_SUITE_P(CloudStoreContract, NewStoreIsEmpty, ValueIsThereAtOnceAndTheLastOneWins,
                             AccountIsKnownOnceItWasAskedFor, WithoutAnAccountNothingLeavesUntilThereIsOne,
                             ChangeBySomebodyElseIsToldAndReplacesTheValue,
-                            ValueThatSomebodyRemovesIsToldAndGone, EachListenerIsCalledForAsLongAsItSubscribes);
+                            EachListenerIsCalledForAsLongAsItSubscribes);
 
 } // namespace fernwick::platform

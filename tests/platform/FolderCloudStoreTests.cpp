@@ -15,23 +15,23 @@ namespace fs = std::filesystem;
 
 class FakeCloudHarness {
 public:
+    FakeCloudHarness() { store_.signIn(); }
+
     CloudStore& store() { return store_; }
-    void setSignedIn(bool signedIn) { store_.signedIn = signedIn; }
+    void setSignedIn(bool signedIn) { store_.signIn(signedIn); }
     void change(const std::string& key, const std::string& bytes) {
-        store_.values.insert_or_assign(key, Data(bytes));
-        store_.changeExternally({{key}});
-    }
-    void remove(const std::string& key) {
-        store_.values.erase(key);
-        store_.changeExternally({{key}});
+        store_.writeElsewhere(key, bytes);
+        EXPECT_TRUE(store_.synchronize());
     }
     template <class Condition>
     [[nodiscard]] bool waitUntil(Condition condition) {
+        dispatch_.runAll();
         return condition();
     }
 
 private:
-    fakes::FakeCloudStore store_;
+    fakes::FakeDispatch dispatch_;
+    fakes::FakeCloudStore store_{dispatch_};
 };
 
 using Keys = std::vector<std::string>;
