@@ -7,7 +7,7 @@ namespace {
 
 // The value under the key, or what stands for it when it is missing or of another type.
 template <class T>
-T valueOr(const platform::UserDefaults& defaults, std::string_view key, T otherwise) {
+T valueOr(const platform::UserDefaults& defaults, std::string_view key, const T& otherwise) {
     const auto found = defaults.value(key);
     const T* const value = found ? found->as<T>() : nullptr;
     return value != nullptr ? *value : otherwise;

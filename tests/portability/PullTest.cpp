@@ -46,7 +46,7 @@ TEST(Pull, WithoutAnAccountTheStatusStaysAsItIs) {
 }
 
 TEST(Pull, GivesTheStoreASecondToFetch) {
-    PullWorld world({{"fernWick_tunnels_v2", "theirs"}});
+    PullWorld world(Texts{{"fernWick_tunnels_v2", "theirs"}});
     world.watchStatus();
     world.manager->pullFromICloud(world.answer());
     world.dispatch.advance(milliseconds(999));
@@ -62,11 +62,11 @@ TEST(Pull, GivesTheStoreASecondToFetch) {
 }
 
 TEST(Pull, ReplacesEveryListThatTheStoreHas) {
-    PullWorld world({{"fernWick_tunnels_v2", "T"},
-                     {"fernWick_tags_v1", "G"},
-                     {"fernWick_keys_v1", "K"},
-                     {"fernWick_proxies_v1", listOf<ProxyConfig>(2)},
-                     {"fernWick_rules_v1", listOf<AppRule>(3)}});
+    PullWorld world(Texts{{"fernWick_tunnels_v2", "T"},
+                          {"fernWick_tags_v1", "G"},
+                          {"fernWick_keys_v1", "K"},
+                          {"fernWick_proxies_v1", listOf<ProxyConfig>(2)},
+                          {"fernWick_rules_v1", listOf<AppRule>(3)}});
     world.pull();
     EXPECT_EQ(world.stored(kTunnels), "T");
     EXPECT_EQ(world.stored(kTags), "G");
@@ -78,7 +78,7 @@ TEST(Pull, ReplacesEveryListThatTheStoreHas) {
 }
 
 TEST(Pull, RulesAloneAreNothingThoughTheyAreWritten) {
-    PullWorld world({{"fernWick_rules_v1", listOf<AppRule>(3)}});
+    PullWorld world(Texts{{"fernWick_rules_v1", listOf<AppRule>(3)}});
     world.pull();
     EXPECT_EQ(world.told, Tellings({{false, ""}}));
     EXPECT_EQ(world.state().statusMessage, "Nothing to pull from iCloud");
@@ -90,7 +90,7 @@ TEST(Pull, RulesAloneAreNothingThoughTheyAreWritten) {
 }
 
 TEST(Pull, TagsAndKeysAloneAreNothingThoughTheyAreWritten) {
-    PullWorld world({{"fernWick_tags_v1", "G"}, {"fernWick_keys_v1", "K"}});
+    PullWorld world(Texts{{"fernWick_tags_v1", "G"}, {"fernWick_keys_v1", "K"}});
     world.pull();
     EXPECT_EQ(world.told, Tellings({{false, ""}}));
     EXPECT_EQ(world.stored(kTags), "G");
@@ -98,7 +98,7 @@ TEST(Pull, TagsAndKeysAloneAreNothingThoughTheyAreWritten) {
 }
 
 TEST(Pull, ProxiesAloneAreSomething) {
-    PullWorld world({{"fernWick_proxies_v1", listOf<ProxyConfig>(1)}});
+    PullWorld world(Texts{{"fernWick_proxies_v1", listOf<ProxyConfig>(1)}});
     world.defaults.setData(kTunnels, "mine");
     world.pull();
     EXPECT_EQ(world.told, Tellings({{true, ""}}));
@@ -107,7 +107,7 @@ TEST(Pull, ProxiesAloneAreSomething) {
 }
 
 TEST(Pull, AnEmptyStoreHasNothing) {
-    PullWorld world({});
+    PullWorld world(Texts{});
     world.defaults.setData(kTunnels, "mine");
     world.pull();
     EXPECT_EQ(world.told, Tellings({{false, ""}}));
@@ -116,7 +116,7 @@ TEST(Pull, AnEmptyStoreHasNothing) {
 }
 
 TEST(Pull, APushMayRunBesideIt) {
-    PullWorld world({{"fernWick_rules_v1", "theirs"}});
+    PullWorld world(Texts{{"fernWick_rules_v1", "theirs"}});
     world.defaults.setData(kTunnels, "mine");
     world.manager->pullFromICloud(world.answer());
     world.manager->pushToICloud(world.answer());
@@ -127,7 +127,7 @@ TEST(Pull, APushMayRunBesideIt) {
 }
 
 TEST(Pull, AManagerThatGoesMeanwhileStoresAndTellsNothing) {
-    PullWorld world({{"fernWick_tunnels_v2", "theirs"}});
+    PullWorld world(Texts{{"fernWick_tunnels_v2", "theirs"}});
     world.manager->pullFromICloud(world.answer());
     world.dispatch.advance(milliseconds(500));
     world.manager.reset();

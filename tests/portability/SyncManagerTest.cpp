@@ -41,7 +41,7 @@ TEST(SyncManager, TheStartNeitherPushesNorPulls) {
     EXPECT_EQ(world.label(), "Available");
 }
 
-TEST(SyncManager, TheStartTakesOverWhatOthersWroteMeanwhile) {
+TEST(SyncManager, TheStartTakesOverWhatTheStoreTellsOf) {
     CloudWorld world;
     world.defaults.setData(kTunnels, "mine");
     world.cloud.writeElsewhere(kCloudTunnels, "theirs");
