@@ -7,11 +7,10 @@ namespace fernwick {
 namespace {
 
 constexpr int kWidest = 760;
-constexpr int kBottom = 30; // under each section
 
 } // namespace
 
-FormPage::FormPage(const Theme& theme, QWidget* parent)
+FormPage::FormPage(const Theme& theme, QWidget* parent, int spacing)
     : QScrollArea(parent), theme_(theme), column_(new QWidget), sections_(new QVBoxLayout(column_)) {
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -19,8 +18,8 @@ FormPage::FormPage(const Theme& theme, QWidget* parent)
     setFocusPolicy(Qt::NoFocus);
     setWidgetResizable(true);
     viewport()->setAutoFillBackground(false);
-    sections_->setContentsMargins(0, 0, 0, kBottom); // a layout puts no spacing before the stretch at its end
-    sections_->setSpacing(kBottom);
+    sections_->setContentsMargins(0, 0, 0, spacing); // a layout puts no spacing before the stretch at its end
+    sections_->setSpacing(spacing);
     sections_->addStretch();
     column_->setMaximumWidth(kWidest);
     auto* ground = new QWidget;
@@ -35,8 +34,8 @@ FormPage::FormPage(const Theme& theme, QWidget* parent)
     ground->setAutoFillBackground(false); // the area has just given it a ground
 }
 
-FormSection* FormPage::addSection(const QString& title, Icon icon) {
-    auto* section = new FormSection(theme_, title, icon, column_);
+FormSection* FormPage::addSection(const QString& title, Icon icon, int padding) {
+    auto* section = new FormSection(theme_, title, icon, column_, padding);
     sections_->insertWidget(sections_->count() - 1, section);
     return section;
 }

@@ -10,10 +10,12 @@ namespace fernwick {
 
 class FormPage : public QScrollArea {
 protected:
-    FormPage(const Theme& theme, QWidget* parent);
+    static constexpr int kSpacing = 30; // under each section
 
-    // Adds a section at the end.
-    FormSection* addSection(const QString& title, Icon icon);
+    FormPage(const Theme& theme, QWidget* parent, int spacing = kSpacing);
+
+    // Adds a section at the end; `padding` lies above and below its rows.
+    FormSection* addSection(const QString& title, Icon icon, int padding = grid::kLarge);
 
 private:
     const Theme& theme_;
