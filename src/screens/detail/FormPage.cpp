@@ -10,7 +10,7 @@ constexpr int kWidest = 760;
 
 } // namespace
 
-FormPage::FormPage(const Theme& theme, QWidget* parent, int spacing)
+FormPage::FormPage(const Theme& theme, QWidget* parent, Room room)
     : QScrollArea(parent), theme_(theme), column_(new QWidget), sections_(new QVBoxLayout(column_)) {
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -18,15 +18,16 @@ FormPage::FormPage(const Theme& theme, QWidget* parent, int spacing)
     setFocusPolicy(Qt::NoFocus);
     setWidgetResizable(true);
     viewport()->setAutoFillBackground(false);
-    sections_->setContentsMargins(0, 0, 0, spacing); // a layout puts no spacing before the stretch at its end
-    sections_->setSpacing(spacing);
+    sections_->setContentsMargins(0, 0, 0,
+                                  room.between); // a layout puts no spacing before the stretch at its end
+    sections_->setSpacing(room.between);
     sections_->addStretch();
     column_->setMaximumWidth(kWidest);
     auto* ground = new QWidget;
     auto* centre = new QHBoxLayout(ground);
     // The scroll bar stands in the margin, so that cards line up with what is above the page.
     const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
-    centre->setContentsMargins(grid::kLarge, grid::kTight, grid::kLarge - bar, 0);
+    centre->setContentsMargins(grid::kLarge, room.above, grid::kLarge - bar, 0);
     centre->addStretch(1);
     centre->addWidget(column_, 1000);
     centre->addStretch(1);

@@ -10,9 +10,13 @@ namespace fernwick {
 
 class FormPage : public QScrollArea {
 protected:
-    static constexpr int kSpacing = 30; // under each section
+    // How roomy a page is, in logical pixels.
+    struct Room {
+        int above;   // the first section
+        int between; // two sections, and below the last
+    };
 
-    FormPage(const Theme& theme, QWidget* parent, int spacing = kSpacing);
+    FormPage(const Theme& theme, QWidget* parent, Room room = {.above = grid::kTight, .between = 30});
 
     // Adds a section at the end; `padding` lies above and below its rows.
     FormSection* addSection(const QString& title, Icon icon, int padding = grid::kLarge);

@@ -19,7 +19,6 @@ namespace fernwick {
 
 namespace {
 
-constexpr int kSectionSpacing = 18;
 constexpr int kPortWidth = 70;
 constexpr int kMarkSize = 30;
 
@@ -31,7 +30,7 @@ QString versionText() {
 } // namespace
 
 GeneralSettingsView::GeneralSettingsView(const SettingsContext& context, QWidget* parent)
-    : FormPage(context.theme, parent, kSectionSpacing),
+    : FormPage(context.theme, parent, {.above = grid::kMedium, .between = grid::kLarge}),
       context_(context),
       launchAtLogin_(context.defaults, context.loginItem, context.dispatch, [this](bool on) {
           const QSignalBlocker quiet(loginSwitch_);

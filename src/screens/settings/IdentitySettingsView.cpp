@@ -51,7 +51,6 @@ IdentitySettingsView::IdentitySettingsView(const SettingsContext& context, QWidg
     layout->setSpacing(grid::kMedium);
     layout->addWidget(intro);
     layout->addLayout(columns, 1);
-    setFocusProxy(table_);
     keysChanged_ = context.keys.changed.connect([this] { refresh(); });
 }
 

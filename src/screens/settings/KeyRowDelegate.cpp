@@ -89,7 +89,7 @@ void KeyRowDelegate::paintName(QPainter& painter, QRect area, const QModelIndex&
     painter.setPen(colors.text);
     const QString name = index.data().toString();
     if (mirrored) { // beside the icon, which is at the right
-        const int free = line.width() - QFontMetrics(nameFont_).horizontalAdvance(name);
+        const int free = line.width() - QFontMetrics(nameFont_).horizontalAdvance(name) - 1;
         line.setLeft(line.left() + std::max(free, 0));
     }
     drawLine(painter, line, name);

@@ -18,6 +18,7 @@ namespace {
 constexpr int kHeaderHeight = 26;
 constexpr int kNameWidth = 170;
 constexpr int kHeaderInset = 12;
+constexpr int kLineInset = 7; // of the line between two titles
 
 // The line of column titles, which the toolkit would draw as buttons.
 class KeyTableHeader final : public QHeaderView {
@@ -38,11 +39,13 @@ protected:
         painter->fillRect(rect, colors.field);
         painter->fillRect(QRect(rect.left(), rect.bottom(), rect.width(), 1), colors.separator);
         if (logicalIndex > 0) { // where the columns can be dragged
-            painter->fillRect(QRect(rect.left(), rect.top() + 7, 1, rect.height() - 14), colors.separator);
+            const QRect line(rect.left(), rect.top() + kLineInset, 1, rect.height() - 2 * kLineInset);
+            painter->fillRect(QStyle::visualRect(layoutDirection(), rect, line), colors.separator);
         }
+        const QRect title = rect.adjusted(kHeaderInset, 0, -grid::kTight, 0);
         painter->setPen(colors.secondary);
         painter->setFont(font());
-        painter->drawText(rect.adjusted(kHeaderInset, 0, -grid::kTight, 0),
+        painter->drawText(QStyle::visualRect(layoutDirection(), rect, title),
                           Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
                           model()->headerData(logicalIndex, Qt::Horizontal).toString());
         painter->restore();
@@ -74,6 +77,9 @@ KeyTable::KeyTable(const Theme& theme, KeyTableModel& model, Callbacks callbacks
     setMouseTracking(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    QPalette grounds;
+    grounds.setColor(QPalette::Highlight, Qt::transparent); // the delegate draws its own
+    setPalette(grounds);
     setHorizontalHeader(new KeyTableHeader(theme, this));
     auto* delegate = new KeyRowDelegate(theme, model, *this);
     verticalHeader()->hide();

@@ -7,11 +7,18 @@
 
 namespace fernwick {
 
+namespace {
+
+constexpr double kMargin = 6.0;
+
+} // namespace
+
 KnownHostsEditor::KnownHostsEditor(const Theme& theme, QWidget* parent) : QPlainTextEdit(parent) {
     setFont(theme.monospaced(12));
     setFrameShape(QFrame::NoFrame);
     setLineWrapMode(QPlainTextEdit::NoWrap); // a line is an entry
     setTabChangesFocus(true);
+    document()->setDocumentMargin(kMargin);
     setBackgroundRole(QPalette::Base);
 }
 

@@ -48,7 +48,6 @@ KnownHostsSettingsView::KnownHostsSettingsView(const SettingsContext& context, Q
     editor_->setAccessibleName(QStringLiteral("Known Hosts"));
     editor_->setAccessibleDescription(note->text());
     layout->addWidget(new EditorFrame(context.theme, editor_, this), 1);
-    setFocusProxy(editor_);
 }
 
 QWidget* KnownHostsSettingsView::buildHeader() {

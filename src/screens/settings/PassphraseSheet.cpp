@@ -19,6 +19,7 @@ namespace {
 
 constexpr int kMargin = 24;
 constexpr int kMarkSize = 36;
+constexpr int kBelowLine = 22; // the text of a line with an icon starts there
 
 } // namespace
 
@@ -77,6 +78,7 @@ QWidget* PassphraseSheet::buildNote() {
     auto* text =
         makeCaption(QStringLiteral("SSH will use it automatically when connecting."), theme_.font(12), note);
     text->setWordWrap(true);
+    text->setIndent(kBelowLine);
     auto* layout = new QVBoxLayout(note);
     layout->setContentsMargins(grid::kMedium, grid::kSmall + 2, grid::kMedium, grid::kSmall + 2);
     layout->setSpacing(grid::kTight);

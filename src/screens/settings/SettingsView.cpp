@@ -38,7 +38,7 @@ void SettingsView::showUpdateOutcome(const QString& text) {
     general_->showUpdateOutcome(text);
 }
 
-// The keyboard stays on the tabs if it is there, and does not end up in whatever follows a page that goes.
+// The keyboard stays on the tabs if it is there; else the tab key leads to the first control of the new page.
 void SettingsView::turnTo(SettingsTab tab) {
     auto*& page = made_.at(static_cast<std::size_t>(tab));
     if (page == nullptr) {
@@ -48,7 +48,7 @@ void SettingsView::turnTo(SettingsTab tab) {
     const bool wasInPage = pages_->isAncestorOf(focusWidget());
     pages_->setCurrentWidget(page);
     if (wasInPage) {
-        (page->focusProxy() != nullptr ? page : pages_)->setFocus();
+        pages_->setFocus();
     }
 }
 

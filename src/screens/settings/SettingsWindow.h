@@ -10,7 +10,7 @@ namespace fernwick {
 class SettingsWindow final : public QWidget {
 public:
     static constexpr int kWidth = 680;
-    static constexpr int kHeight = 620;
+    static constexpr int kHeight = 670;
     static constexpr int kMinimumWidth = 620;
     static constexpr int kMinimumHeight = 500;
 

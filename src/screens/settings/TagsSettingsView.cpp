@@ -45,7 +45,6 @@ TagsSettingsView::TagsSettingsView(const Theme& theme, TagManager& tags, QWidget
     layout->addWidget(list_, 1);
     layout->addSpacing(grid::kSmall);
     layout->addWidget(buildNewTag());
-    setFocusProxy(list_);
     tagsChanged_ = tags.changed.connect([this] { refresh(); });
     refresh();
 }
