@@ -64,6 +64,10 @@ public:
     [[nodiscard]] virtual std::expected<std::vector<FolderEntry>, FileError>
     list(const std::string& folder) = 0;
 
+    // Removes what writing files whose names begin so left hidden in the folder when a process was killed over
+    // it.
+    virtual void removeUnfinished(const std::string& folder, const std::string& names) = 0;
+
     // Removes a file.
     [[nodiscard]] virtual std::expected<void, FileError> remove(const std::string& path) = 0;
 };

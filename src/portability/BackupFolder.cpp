@@ -62,6 +62,7 @@ std::expected<void, platform::FileError> BackupFolder::make(const std::string& f
 
 std::expected<void, platform::FileError> BackupFolder::write(const std::string& path,
                                                              std::string_view bytes) const {
+    files_.removeUnfinished(path.substr(0, path.rfind('/')), std::string(kNameStart));
     return files_.write(path, bytes, platform::kOwnerOnlyFile);
 }
 

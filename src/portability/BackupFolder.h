@@ -34,7 +34,7 @@ public:
     // Makes the folder and those above it.
     [[nodiscard]] std::expected<void, platform::FileError> make(const std::string& folder) const;
 
-    // Writes the file, or replaces it, for its owner alone.
+    // Writes the file, or replaces it, for its owner alone. What earlier writes that were cut off left goes.
     [[nodiscard]] std::expected<void, platform::FileError> write(const std::string& path,
                                                                  std::string_view bytes) const;
 

@@ -5,9 +5,11 @@
 #include "catalogue/TagManager.h"
 #include "catalogue/TunnelStore.h"
 #include "platform/AppNotifications.h"
+#include "platform/linux/AutostartEntry.h"
 #include "platform/linux/DesktopEntryApplications.h"
 #include "platform/linux/DesktopProxySettings.h"
 #include "platform/linux/EngineService.h"
+#include "platform/linux/FolderCloudStore.h"
 #include "platform/linux/PkexecShell.h"
 #include "platform/linux/RouteNetworkMonitor.h"
 #include "platform/modules/LazyModule.h"
@@ -19,16 +21,20 @@
 #include "platform/posix/SystemClock.h"
 #include "platform/posix/TerminationSignals.h"
 #include "platform/qt/DBusSingleInstance.h"
+#include "platform/qt/FileManagerDesktop.h"
 #include "platform/qt/LogindPowerEvents.h"
 #include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtDispatch.h"
 #include "platform/qt/QtPasteboard.h"
 #include "platform/qt/QtTrayHost.h"
+#include "portability/SyncManager.h"
 #include "routing/Routing.h"
 #include "screens/routing/ProxyRuleWindowController.h"
 #include "screens/routing/RuleEditView.h"
+#include "screens/settings/SettingsWindowController.h"
 #include "screens/theme/Theme.h"
 #include "shell/AppDelegate.h"
+#include "shell/HiddenStart.h"
 #include "shell/MainWindowScene.h"
 #include "shell/MenuBarExtra.h"
 #include "shell/WindowManager.h"
@@ -105,6 +111,9 @@ struct FernwickApp::Backends {
     platform::QtDialogs dialogs;
     platform::QtPasteboard pasteboard;
     platform::QtTrayHost tray{host};
+    platform::FolderCloudStore cloud{dispatch, host};
+    platform::AutostartEntry loginItem{files, host, QCoreApplication::applicationFilePath().toStdString()};
+    platform::FileManagerDesktop desktop{host};
 };
 
 // The application's state and windows, in the order in which they come to life.
@@ -144,6 +153,18 @@ struct FernwickApp::Scene {
                      [this](QWidget* parent, const TunnelNames& names, std::optional<AppRule> rule) {
                          (new RuleEditView(routingContext, names, std::move(rule), parent))->open();
                      }),
+          settings({.theme = theme,
+                    .keys = keys,
+                    .tags = tags,
+                    .keychain = keychain,
+                    .defaults = *defaults,
+                    .loginItem = backends.loginItem,
+                    .desktop = backends.desktop,
+                    .dialogs = backends.dialogs,
+                    .files = backends.files,
+                    .dispatch = backends.dispatch,
+                    .clock = backends.clock,
+                    .host = backends.host}),
           mainWindow({theme, store, tunnels, keys, tags, backends.notifications, backends.dispatch,
                       backends.clock, backends.host, keychain, backends.dialogs, backends.pasteboard,
                       [this](const auto& pairs) {
@@ -152,7 +173,8 @@ struct FernwickApp::Scene {
                               names.push_back({id, name});
                           }
                           proxyRules.show(std::move(names));
-                      }},
+                      },
+                      [this] { settings.show(); }},
                      routing, delegate, windows),
           menuBar({theme,
                    store,
@@ -160,7 +182,7 @@ struct FernwickApp::Scene {
                    backends.dispatch,
                    {.openProxyRules = [this](TunnelNames names) { proxyRules.show(std::move(names)); },
                     .openMainWindow = [this] { windows.openMainWindow(); },
-                    .openSettings = nullptr,
+                    .openSettings = [this] { settings.show(); },
                     .quit = [] { QCoreApplication::quit(); }}},
                   backends.tray) {}
 
@@ -177,6 +199,7 @@ struct FernwickApp::Scene {
     WindowManager windows;
     RoutingContext routingContext;
     ProxyRuleWindowController proxyRules;
+    SettingsWindowController settings;
     MainWindowScene mainWindow;
     MenuBarExtra menuBar;
 };
@@ -194,12 +217,22 @@ int FernwickApp::run() {
     }
     const platform::TerminationSignals signals(backends_->dispatch, [this] { application_.quit(); });
     scene_ = std::make_unique<Scene>(application_, *backends_);
-    const auto reopened = backends_->instance.reopened.connect(
-        [this] { scene_->delegate.applicationShouldHandleReopen(scene_->mainWindow.isVisible()); });
+    const auto reopened = backends_->instance.reopened.connect([this] {
+        scene_->delegate.applicationShouldHandleReopen(scene_->mainWindow.isVisible());
+        if (scene_->delegate.mainWindow() == nullptr) { // none was opened since a hidden start
+            scene_->windows.openMainWindow();
+        }
+    });
     QObject::connect(&application_, &QCoreApplication::aboutToQuit, &application_, [this] { terminate(); });
     backends_->power.start();
     scene_->delegate.applicationDidFinishLaunching();
-    scene_->mainWindow.open();
+    std::optional<HiddenStart> hidden;
+    if (QCoreApplication::arguments().contains(QLatin1String(platform::kHiddenArgument.data()))) {
+        scene_->mainWindow.stayHidden();
+        hidden.emplace(backends_->tray, backends_->dispatch, [this] { scene_->mainWindow.open(); });
+    } else {
+        scene_->mainWindow.open();
+    }
     scene_->menuBar.start();
     const int status = QApplication::exec();
     // What works in the background works on the scene. A command that hangs is waited for by nobody.
@@ -207,6 +240,7 @@ int FernwickApp::run() {
     if (!backends_->dispatch.finishGlobal(kLastWorkLimit)) {
         leaveAtOnce(status);
     }
+    hidden.reset();
     scene_.reset();
     return status;
 }

@@ -29,13 +29,17 @@ bool MainWindowScene::eventFilter(QObject* watched, QEvent* event) {
     return QObject::eventFilter(watched, event);
 }
 
-void MainWindowScene::appeared() {
+void MainWindowScene::stayHidden() {
     routing_.setTunnelStore(context_.store);
     windows_.setOpenWindowAction([weak = self_.weak()] {
         if (auto* scene = weak.get()) {
             scene->open();
         }
     });
+}
+
+void MainWindowScene::appeared() {
+    stayHidden();
     context_.dispatch.main([weak = self_.weak()] {
         if (auto* scene = weak.get(); scene != nullptr && scene->window_) {
             scene->delegate_.setMainWindow(*scene->window_);

@@ -23,6 +23,9 @@ public:
     // Shows the window, making it first if there is none.
     void open();
 
+    // All of open() but the window: the routing layer comes to life, and the window can be asked for.
+    void stayHidden();
+
     [[nodiscard]] bool isVisible() const { return window_ && window_->isVisible(); }
 
 protected:

@@ -58,8 +58,9 @@ INSTANTIATE_TEST_SUITE_P(
                 false},
         NameRow{"NoUtf8", "a\xff", false}, NameRow{"Syncthing", ".syncthing.fernWick_tags_v1.tmp", false},
         NameRow{"OldSyncthing", "~syncthing~fernWick_tags_v1.tmp", false},
-        NameRow{"Temporary", "fernWick_tags_v1.tmp", false}, NameRow{"Ours", "fernWick_tags_v1.tmp-123", false},
-        NameRow{"Part", "fernWick_tags_v1.part", false}, NameRow{"Partial", "fernWick_tags_v1.partial", false},
+        NameRow{"Temporary", "fernWick_tags_v1.tmp", false},
+        NameRow{"Ours", ".fernWick_tags_v1.tmp-123", false}, NameRow{"Part", "fernWick_tags_v1.part", false},
+        NameRow{"Partial", "fernWick_tags_v1.partial", false},
         NameRow{"Download", "fernWick_tags_v1.crdownload", false},
         NameRow{"Nextcloud", ".fernWick_tags_v1.~4f1a", false}, NameRow{"Office", "~$fernWick_tags_v1", false},
         NameRow{"LibreOffice", ".~lock.fernWick_tags_v1#", false},
@@ -110,7 +111,7 @@ TEST(CloudFolder, PicturesThatSomebodyKeepsThereDoNotFillTheMemory) {
 TEST(CloudFolder, WritesWholeFilesForTheirOwnerAlone) {
     const fakes::TemporaryFolder folder;
     folder.write("key", "a longer old value");
-    folder.write("key.tmp-1999999999", "half"); // of a killed process: beyond the largest process id
+    folder.write(".key.tmp-1999999999", "half"); // of a killed process: beyond the largest process id
     CloudFolder cloud(folder.path());
     EXPECT_EQ(cloud.write("key", Data("value")), 0);
     EXPECT_EQ(folder.read("key"), "value");

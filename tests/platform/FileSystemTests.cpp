@@ -178,6 +178,20 @@ TYPED_TEST(FileSystemContract, ReplacingKeepsTheModeThatAFileHas) {
     EXPECT_EQ(harness.mode(), 0644U);
 }
 
+TEST(PosixFileSystem, RemovesWhatKilledWritersOfThatNameLeft) {
+    PosixFilesHarness harness;
+    harness.folder.write(".Fernwick_1.backup.tmp-1999999999", "half"); // beyond the largest process id
+    harness.folder.write(".Fernwick_2.backup.tmp-1", "half");          // process 1 always runs
+    harness.folder.write(".other.tmp-1999999999", "not ours");
+    harness.folder.write("Fernwick_1.backup", "whole");
+    harness.files().removeUnfinished(harness.folderPath(), "Fernwick_");
+    EXPECT_TRUE(fs::exists(harness.folder / "Fernwick_1.backup"));
+    EXPECT_TRUE(fs::exists(harness.folder / ".Fernwick_2.backup.tmp-1"));
+    EXPECT_TRUE(fs::exists(harness.folder / ".other.tmp-1999999999"));
+    EXPECT_FALSE(fs::exists(harness.folder / ".Fernwick_1.backup.tmp-1999999999"));
+    harness.files().removeUnfinished(harness.folderPath() + "/missing", "Fernwick_");
+}
+
 TEST(PosixFileSystem, ReplacingFollowsLinksAndKeepsThem) {
     PosixFilesHarness harness;
     fs::create_directory(harness.folder / "elsewhere");

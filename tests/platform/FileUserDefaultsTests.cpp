@@ -259,13 +259,13 @@ TEST_F(FileUserDefaultsTest, LinkThatLeadsInACircleIsSetAside) {
 }
 
 TEST_F(FileUserDefaultsTest, LeftoversOfKilledWritersGo) {
-    folder_.write("d.plist.tmp-1999999999", "half"); // beyond the largest process id
-    folder_.write("d.plist.tmp-1", "someone's");     // process 1 always runs
-    folder_.write("d.plist.tmp-notes", "the user's");
-    folder_.write("other.plist.tmp-1999999999", "not ours");
+    folder_.write(".d.plist.tmp-1999999999", "half"); // beyond the largest process id
+    folder_.write(".d.plist.tmp-1", "someone's");     // process 1 always runs
+    folder_.write(".d.plist.tmp-notes", "the user's");
+    folder_.write(".other.plist.tmp-1999999999", "not ours");
     changeAndWait(*open(), 1);
-    EXPECT_EQ(files(), (std::vector<std::string>{"d.plist", "d.plist.tmp-1", "d.plist.tmp-notes",
-                                                 "other.plist.tmp-1999999999"}));
+    EXPECT_EQ(files(), (std::vector<std::string>{".d.plist.tmp-1", ".d.plist.tmp-notes",
+                                                 ".other.plist.tmp-1999999999", "d.plist"}));
 }
 
 } // namespace fernwick::platform

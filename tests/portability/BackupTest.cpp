@@ -91,6 +91,15 @@ TEST(Backup, ASecondOneWithinASecondReplacesTheFirst) {
     EXPECT_EQ(world.files.files.begin()->second.bytes, R"({"tunnels":")" + base64("newer") + "\"}");
 }
 
+TEST(Backup, WhatAKilledBackupLeftGoesWithTheNextOne) {
+    BackupWorld world;
+    const std::string half = std::string(kDefaultFolder) + "/.Fernwick_2026-11-15_20-41-15.backup.tmp-123";
+    world.files.files[half] = {.bytes = "half", .mode = 0600};
+    EXPECT_TRUE(world.open().runBackup());
+    EXPECT_FALSE(world.files.files.contains(half));
+    EXPECT_EQ(world.manager->state().backupEntries.size(), 1U);
+}
+
 TEST(Backup, OfFiveFilesTheTwoOldestGo) {
     BackupWorld world;
     world.open().settings().setMaxBackupCount(3);

@@ -80,6 +80,9 @@ public:
         }
         return entries;
     }
+    void removeUnfinished(const std::string& folder, const std::string& names) override {
+        std::erase_if(files, [&](const auto& file) { return file.first.starts_with(folder + "/." + names); });
+    }
     [[nodiscard]] std::expected<void, platform::FileError> remove(const std::string& path) override {
         if (undeletable.contains(path)) {
             return std::unexpected(platform::FileError{13, "Permission denied"});

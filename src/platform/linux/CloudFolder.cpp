@@ -19,7 +19,7 @@ constexpr std::size_t kLongestKey = 200; // leaves room for a temporary name wit
 
 // What the names of unfinished files and of set-aside copies end with, or hold.
 constexpr std::array<std::string_view, 5> kUnfinishedEnds{".tmp", ".part", ".partial", ".crdownload", ".lock"};
-constexpr std::array<std::string_view, 2> kUnfinishedMarks{".tmp-", ".sync-conflict-"};
+constexpr std::string_view kConflictMark = ".sync-conflict-";
 
 constexpr bool isKeyCharacter(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '-' ||
@@ -48,7 +48,7 @@ bool isCloudKey(std::string_view name) {
     return !name.empty() && name.size() <= kLongestKey && name.front() != '.' &&
            std::ranges::all_of(name, isKeyCharacter) &&
            std::ranges::none_of(kUnfinishedEnds, [&](auto end) { return name.ends_with(end); }) &&
-           std::ranges::none_of(kUnfinishedMarks, [&](auto mark) { return name.contains(mark); });
+           !name.contains(kConflictMark);
 }
 
 bool CloudFolder::canBeListed() const {

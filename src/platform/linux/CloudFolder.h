@@ -16,7 +16,7 @@ namespace fernwick::platform {
 
 // Whether the name can be a key, and a file of that name a value: up to 200 letters, digits, "_", "-" and ".",
 // all ASCII, no dot in front, and none of the names that programs give to files that are not finished, such as
-// "*.tmp", "*.part", our own "*.tmp-123", and Syncthing's "*.sync-conflict-*".
+// "*.tmp", "*.part", and Syncthing's "*.sync-conflict-*".
 [[nodiscard]] bool isCloudKey(std::string_view name);
 
 // What stands in the folder. A key that is in neither has no file.

@@ -53,6 +53,39 @@ int syncFolder(const std::string& path) {
     return !folder || fsync(folder.get()) == 0 || errno == EINVAL ? 0 : errno;
 }
 
+// Of the temporary files of a path, all but the mark and the process. They are hidden: whoever lists the folder
+// by the first letters of a name must not take half a file for a whole one.
+std::string temporaryPrefix(const std::string& path) {
+    const auto name = path.rfind('/') + 1; // 0 without a folder
+    return path.substr(0, name) + "." + path.substr(name);
+}
+
+// The process that writes a temporary file of that name; 0 when it is no such name.
+pid_t writerOf(std::string_view name) {
+    const auto mark = name.rfind(kTemporaryMark);
+    const auto number = mark == std::string_view::npos ? "" : name.substr(mark + kTemporaryMark.size());
+    pid_t pid = 0;
+    const auto parsed = std::from_chars(number.data(), number.data() + number.size(), pid);
+    return parsed.ec == std::errc() && parsed.ptr == number.data() + number.size() && pid > 0 ? pid : 0;
+}
+
+// Removes the temporary files in a folder whose names begin so and whose writers run no more.
+void removeDead(const std::string& folder, const std::string& prefix) {
+    std::error_code ignored; // a folder that cannot be listed keeps what is in it
+    std::vector<std::string> dead;
+    for (fs::directory_iterator place(folder, ignored), end; !ignored && place != end;
+         place.increment(ignored)) {
+        const auto name = place->path().filename().string();
+        const auto writer = name.starts_with(prefix) ? writerOf(name) : 0;
+        if (writer > 0 && kill(writer, 0) != 0 && errno == ESRCH) {
+            dead.push_back(place->path().string());
+        }
+    }
+    for (const auto& file : dead) {
+        unlink(file.c_str());
+    }
+}
+
 } // namespace
 
 std::expected<std::string, int> readWholeFile(const std::string& path) {
@@ -89,7 +122,7 @@ std::expected<std::string, int> readWholeFile(const std::string& path, std::size
 }
 
 int replaceFile(const std::string& path, std::string_view bytes, ReplaceOptions options) {
-    const auto temporary = path + std::string(kTemporaryMark) + std::to_string(getpid());
+    const auto temporary = temporaryPrefix(path) + std::string(kTemporaryMark) + std::to_string(getpid());
     unlink(temporary.c_str()); // of an earlier process with our number
     int code = writeNew(temporary, bytes, options);
     if (code == 0 && std::rename(temporary.c_str(), path.c_str()) != 0) {
@@ -103,23 +136,12 @@ int replaceFile(const std::string& path, std::string_view bytes, ReplaceOptions 
 }
 
 void removeTemporaryFiles(const std::string& path) {
-    const auto prefix = fs::path(path).filename().string() + std::string(kTemporaryMark);
-    std::error_code ignored; // a folder that cannot be listed keeps what is in it
-    std::vector<std::string> dead;
-    for (fs::directory_iterator place(parentFolder(path), ignored), end; !ignored && place != end;
-         place.increment(ignored)) {
-        const auto name = place->path().filename().string();
-        const auto number = name.starts_with(prefix) ? std::string_view(name).substr(prefix.size()) : "";
-        pid_t pid = 0;
-        const auto parsed = std::from_chars(number.data(), number.data() + number.size(), pid);
-        const bool whole = parsed.ec == std::errc() && parsed.ptr == number.data() + number.size() && pid > 0;
-        if (whole && kill(pid, 0) != 0 && errno == ESRCH) {
-            dead.push_back(place->path().string());
-        }
-    }
-    for (const auto& file : dead) {
-        unlink(file.c_str());
-    }
+    removeDead(parentFolder(path),
+               fs::path(temporaryPrefix(path) + std::string(kTemporaryMark)).filename().string());
+}
+
+void removeTemporaryFilesOf(const std::string& folder, const std::string& names) {
+    removeDead(folder, "." + names);
 }
 
 std::expected<std::string, int> moveAside(const std::string& path, const std::string& prefix) {

@@ -28,6 +28,9 @@ struct ReplaceOptions {
 // spared.
 void removeTemporaryFiles(const std::string& path);
 
+// The same for all files of a folder whose names begin with `names`.
+void removeTemporaryFilesOf(const std::string& folder, const std::string& names);
+
 // Renames the file to `prefix` and the first number from 1 that is free. The new path, or the error.
 [[nodiscard]] std::expected<std::string, int> moveAside(const std::string& path, const std::string& prefix);
 

@@ -98,6 +98,10 @@ std::expected<std::vector<FolderEntry>, FileError> PosixFileSystem::list(const s
     return entries;
 }
 
+void PosixFileSystem::removeUnfinished(const std::string& folder, const std::string& names) {
+    removeTemporaryFilesOf(folder, names);
+}
+
 std::expected<void, FileError> PosixFileSystem::remove(const std::string& path) {
     return result(unlink(path.c_str()) == 0 ? 0 : errno);
 }

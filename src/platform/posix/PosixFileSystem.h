@@ -16,6 +16,7 @@ public:
     [[nodiscard]] bool isReadable(const std::string& path) override;
     [[nodiscard]] std::expected<std::string, FileError> read(const std::string& path) override;
     [[nodiscard]] std::expected<std::vector<FolderEntry>, FileError> list(const std::string& folder) override;
+    void removeUnfinished(const std::string& folder, const std::string& names) override;
     [[nodiscard]] std::expected<void, FileError> remove(const std::string& path) override;
 };
 

@@ -15,13 +15,18 @@ MainWindow::MainWindow(const MainWindowContext& context) : content_(new ContentV
     setMinimumSize(kMinimumWidth, kMinimumHeight);
     resize(kMinimumWidth + 60, kMinimumHeight + 40);
     setCentralWidget(content_);
-    buildMenus();
+    buildMenus(context);
 }
 
-void MainWindow::buildMenus() {
+void MainWindow::buildMenus(const MainWindowContext& context) {
     auto* file = menuBar()->addMenu(QStringLiteral("&File"));
     auto* close = file->addAction(QStringLiteral("Close Window"), this, [this] { this->close(); });
     close->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_W));
+    if (context.openSettings) {
+        auto* settings = file->addAction(QStringLiteral("Preferences..."), this, context.openSettings);
+        settings->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma));
+        settings->setMenuRole(QAction::PreferencesRole);
+    }
     auto* quit = file->addAction(QStringLiteral("Quit"), this, [this] {
         if (onQuit) {
             onQuit();

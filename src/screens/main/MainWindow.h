@@ -32,7 +32,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    void buildMenus();
+    void buildMenus(const MainWindowContext& context);
 
     ContentView* content_;
 };

@@ -38,6 +38,9 @@ struct MainWindowContext {
     // Shows the window of proxies and rules, given the id and name of every tunnel. Without it, its button does
     // nothing.
     std::function<void(std::vector<std::pair<support::Uuid, std::string>>)> showProxyRules = nullptr;
+
+    // Shows the settings. Without it, no menu entry offers them.
+    std::function<void()> openSettings = nullptr;
 };
 
 } // namespace fernwick
