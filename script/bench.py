@@ -95,9 +95,9 @@ def routing(report: Report, check: bool) -> None:
 
 
 def portability(report: Report, check: bool) -> None:
-    """The catalogue on its way to a file and back."""
+    """The catalogue on its way to a file and back. The least of the runs counts, as for the coding."""
     print("A file of 10,000 tunnels, 1,000 proxies and 10,000 rules of 10 hosts, on the main thread")
-    times = google("portability", check)
+    times = google("portability", check, pick=min)
     report.line("export", times["exportAll"], "ms", 100)
     report.line("backup", times["runBackup"], "ms", 100)
     report.line("restore, proxies and rules in memory included", times["restoreBackup"], "ms", 150)

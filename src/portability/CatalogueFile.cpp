@@ -34,7 +34,8 @@ std::string encode(const CatalogueBlobs& blobs) {
             appendMember(json, kCatalogueLists[list].fileKey, blobs[list]->bytes());
         }
     }
-    return json.empty() ? "{}" : json + '}';
+    json += json.empty() ? "{}" : "}";
+    return json;
 }
 
 } // namespace

@@ -157,6 +157,20 @@ TEST(Restore, TouchesNeitherTheMessageNorTheFlag) {
     EXPECT_FALSE(world.manager->state().isWorking);
 }
 
+TEST(Restore, AFileOfManyMegabytesIsStoredAndOneThatIsCutOffIsNot) {
+    RestoreWorld world;
+    const std::string bytes(12'000'000, 'x');
+    auto file = "{" + member("tunnels", bytes) + "}";
+    world.restore(file);
+    world.dispatch.advance(std::chrono::seconds(1));
+    EXPECT_TRUE(world.stored(kTunnels) == bytes);
+    file.resize(file.size() - 2);
+    world.defaults.setData(kTunnels, "old");
+    world.restore(file);
+    EXPECT_EQ(world.told, Tellings({{true, "Restore successful"}, {false, "Unrecognised backup format"}}));
+    EXPECT_EQ(world.stored(kTunnels), "old");
+}
+
 TEST(Restore, AManagerThatGoesMeanwhileTellsNothing) {
     RestoreWorld world;
     world.restore("{" + member("tunnels", "T") + "}");

@@ -81,7 +81,9 @@ public:
         return entries;
     }
     void removeUnfinished(const std::string& folder, const std::string& names) override {
-        std::erase_if(files, [&](const auto& file) { return file.first.starts_with(folder + "/." + names); });
+        std::erase_if(files, [&](const auto& file) {
+            return file.first.starts_with(folder + "/." + names) && file.first.contains(".tmp-");
+        });
     }
     [[nodiscard]] std::expected<void, platform::FileError> remove(const std::string& path) override {
         if (undeletable.contains(path)) {
