@@ -103,9 +103,9 @@ class SshTest(SystemTest):
         app.find("Connected")
 
 
-def main() -> None:
-    """Runs the cases of the calling file inside a namespace of their own."""
-    namespace.enter()
+def main(*, own_network: bool = False) -> None:
+    """Runs the cases of the calling file inside a namespace of their own, which may have its own network."""
+    namespace.enter(own_network=own_network)
     if not program().exists():
         sys.exit(f"{program()} is not built")
     unittest.main(verbosity=2, warnings="ignore")
