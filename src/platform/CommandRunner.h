@@ -30,7 +30,8 @@ public:
     virtual ~CommandRunner() = default;
 
     // Runs the command with the null device as its standard input. Fails when it cannot be executed. A command
-    // that runs past its time limit is killed, and the result tells the signal.
+    // that runs past its time limit is killed, and the result tells the signal; one that became another user's
+    // cannot be, and is left to itself as a failure.
     [[nodiscard]] virtual std::expected<CommandResult, LaunchError> run(const CommandRequest& request) = 0;
 };
 

@@ -2,9 +2,14 @@
 // Threads: any.
 #pragma once
 
+#include "support/Date.h"
+
+#include <cstdint>
 #include <expected>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace fernwick::platform {
 
@@ -18,6 +23,15 @@ inline constexpr unsigned kOwnerOnlyProgram = 0700;
 
 // Permission bits of a file that its owner alone may read and write.
 inline constexpr unsigned kOwnerOnlyFile = 0600;
+
+// What stands in a folder.
+struct FolderEntry {
+    std::string name;                      // without the folder
+    std::optional<support::Date> modified; // when its content changed last; absent when that is not known
+    std::optional<std::int64_t> size;      // in bytes; absent when that is not known
+
+    bool operator==(const FolderEntry&) const = default;
+};
 
 class FileSystem {
 public:
@@ -39,6 +53,10 @@ public:
 
     // The bytes of a regular file.
     [[nodiscard]] virtual std::expected<std::string, FileError> read(const std::string& path) = 0;
+
+    // What stands in a folder, hidden things left out, in the file system's own order.
+    [[nodiscard]] virtual std::expected<std::vector<FolderEntry>, FileError>
+    list(const std::string& folder) = 0;
 
     // Removes a file.
     [[nodiscard]] virtual std::expected<void, FileError> remove(const std::string& path) = 0;

@@ -2,8 +2,8 @@
 // a network device. Trust: the service runs, as root, an executable and a configuration that may lie where the
 // user can write. An administrator agrees to that once, when the service is installed; whoever can write there
 // is as good as root from then on. What a backend guards against is everybody else. Threads: any; one operation
-// at a time. All block on files, and `restart` and `terminate` also on the system, so none belongs on the main
-// thread.
+// at a time. `check` and `prepare` read or write one small file of this machine; `restart` and `terminate` wait
+// for the system, so they are spared the main thread.
 #pragma once
 
 #include "platform/FileSystem.h"

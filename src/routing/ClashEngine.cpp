@@ -137,6 +137,9 @@ void ClashEngine::prepareDaemon() {
 }
 
 void ClashEngine::installDaemon(Installation installation) {
+    if (installing_) {
+        return; // a person is being asked already; what that leads to starts the engine with the newest text
+    }
     auto prepared = services_.service.prepare(program_, installation);
     if (!prepared) {
         addLog("❌ Failed to write temp plist: " + prepared.error().description);
@@ -146,6 +149,7 @@ void ClashEngine::installDaemon(Installation installation) {
     if (installation == Installation::again) {
         addLog("⚙ Xin quyền để cập nhật proxy engine (1 lần duy nhất)...");
     }
+    installing_ = true;
     services_.dispatch.global(
         Priority::userInitiated,
         [&shell = services_.administrator, &files = services_.files, &dispatch = services_.dispatch,
@@ -162,6 +166,7 @@ void ClashEngine::installDaemon(Installation installation) {
 
 void ClashEngine::installationEnded(Installation installation,
                                     const std::expected<void, platform::AdministratorError>& outcome) {
+    installing_ = false;
     const bool again = installation == Installation::again;
     if (outcome) {
         addLog(again ? "✅ Daemon đã cài lại thành công (chạy as root)"

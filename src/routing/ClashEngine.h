@@ -50,7 +50,8 @@ public:
     ClashEngine& operator=(const ClashEngine&) = delete;
 
     // Applies a configuration: reloads a running engine; any other is started, and before that installed, for
-    // which the system may ask a person. A call during a start goes the whole way once more.
+    // which the system may ask a person. A call during a start goes the whole way once more, but for a prompt
+    // that is open: nobody is asked twice at a time.
     void start(std::string config);
 
     // Writes the configuration and has the running engine load it. An engine that refuses is restarted with it.
@@ -101,6 +102,7 @@ private:
     ClashEngineStatus status_;
     std::optional<std::string> mihomoURL_;
     platform::ServiceProgram program_;
+    bool installing_ = false;                      // a prompt is open
     std::unique_ptr<platform::Timer> healthTimer_; // present while the engine runs
     std::shared_ptr<std::mutex> serviceTurn_;      // the service starts or ends one at a time
     support::WeakSource<ClashEngine> self_{*this};

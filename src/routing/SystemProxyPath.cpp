@@ -9,7 +9,7 @@ namespace fernwick {
 SystemProxyPath::SystemProxyPath(platform::NetworkProxySettings& settings, const platform::Clock& clock,
                                  std::uint16_t pacPort, support::PrintLine print)
     : server_(pacPort),
-      manager_(settings, clock, [this](std::string text) { server_.update(text); }, std::move(print)) {}
+      manager_(settings, clock, [this](const std::string& text) { server_.update(text); }, std::move(print)) {}
 
 template <class Work>
 void SystemProxyPath::takeTurn(Request request, Work work) {
@@ -32,9 +32,15 @@ void SystemProxyPath::apply(platform::Dispatch& dispatch, std::shared_ptr<const 
                             TunnelPortMap ports) {
     dispatch.global(platform::Priority::background, [path = shared_from_this(), request = ++newest_,
                                                      rules = std::move(rules), ports = std::move(ports)] {
+        const auto isNewest = [&] { return request == path->newest_; };
+        if (!isNewest()) {
+            return; // without waiting for its turn, which would hold a thread of the pool
+        }
         path->takeTurn(request, [&] {
-            path->manager_.apply(buildPAC(rules->enabled, rules->proxies, ports), ports,
-                                 path->server_.pacURL());
+            if (isNewest()) {
+                path->manager_.apply(buildPAC(rules->enabled, rules->proxies, ports), ports,
+                                     path->server_.pacURL());
+            }
         });
     });
 }

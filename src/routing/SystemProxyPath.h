@@ -1,7 +1,7 @@
 // The way of applications that honour the system's proxy settings: the script is served, and the settings point
-// at it while a tunnel is up. Requests are numbered on the main thread and carried out on background queues;
-// one that comes to its turn after a newer one was carried out does nothing, so that the system is left as the
-// newest wants it, whatever the queues did. Threads: as each operation says.
+// at it while a tunnel is up. Requests are numbered as they come and carried out on background queues; one that
+// comes to its turn after a newer one was carried out does nothing, so that the system is left as the newest
+// wants it, whatever the queues did. Threads: as each operation says.
 #pragma once
 
 #include "platform/Dispatch.h"
@@ -37,7 +37,9 @@ public:
     // unless a request came before that. Main thread.
     void start(platform::Dispatch& dispatch);
 
-    // Has the settings follow these ports, later, on a queue of background priority. Main thread.
+    // Has the settings follow these ports, later, on a queue of background priority, unless a newer request has
+    // come by then: fifty tunnels that come up at once cost one change or two of the settings, each of which
+    // takes a second, and not fifty. Main thread.
     void apply(platform::Dispatch& dispatch, std::shared_ptr<const RoutedRules> rules, TunnelPortMap ports);
 
     // Takes the settings back and serves a script that sends everything direct. Background queue; blocks.

@@ -47,6 +47,9 @@ namespace {
 
 constexpr std::string_view kDefaultsDomain = "com.fernwick.Fernwick";
 
+// How long background work may still take when the application has ended and its commands were abandoned.
+constexpr platform::Duration kLastWorkLimit{500};
+
 // Qt aborts the process when it can open no display; a person is better served by a sentence.
 void explainMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
     std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
@@ -201,9 +204,17 @@ int FernwickApp::run() {
     const int status = QApplication::exec();
     // What works in the background works on the scene. A command that hangs is waited for by nobody.
     backends_->commands.abandonAll();
-    backends_->dispatch.finishGlobal();
+    if (!backends_->dispatch.finishGlobal(kLastWorkLimit)) {
+        leaveAtOnce(status);
+    }
     scene_.reset();
     return status;
+}
+
+void FernwickApp::leaveAtOnce(int status) {
+    scene_->defaults->synchronize();
+    std::fflush(nullptr);
+    std::_Exit(status);
 }
 
 void FernwickApp::terminate() {

@@ -31,6 +31,9 @@ private:
     // The orderly end, whichever way it came: menu, signal or session.
     void terminate();
 
+    // The end while work in the background hangs: what is preferred is written out, and nothing is torn down.
+    [[noreturn]] void leaveAtOnce(int status);
+
     QApplication& application_;
     std::unique_ptr<Backends> backends_;
     std::unique_ptr<Scene> scene_;

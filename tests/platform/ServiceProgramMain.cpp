@@ -1,10 +1,12 @@
 // The application's part in the engine's service, one operation per run, for tests that watch it from outside:
-//   service_program kind
-//   service_program check EXECUTABLE                       the state's number and the old path
-//   service_program prepare EXECUTABLE FOLDER CONFIGURATION   the temporary file, and the line on the lines
-//   after it service_program restart EXECUTABLE FOLDER CONFIGURATION service_program terminate service_program
-//   administrator LINE                     "done", or "refused: " and the message service_program detach
-//   PIDFILE LOG EXECUTABLE FOLDER CONFIGURATION
+//   kind
+//   check EXECUTABLE: the state's number and the old path
+//   prepare EXECUTABLE FOLDER CONFIGURATION: the temporary file, and the line on the lines after it
+//   restart EXECUTABLE FOLDER CONFIGURATION
+//   terminate
+//   administrator LINE: "done", or "refused: " and the message
+//   abandon LINE FILE: the same, but everything is abandoned once the line has made the file
+//   detach PIDFILE LOG EXECUTABLE FOLDER CONFIGURATION
 #include "platform/linux/DetachedService.h"
 #include "platform/linux/EngineService.h"
 #include "platform/linux/PkexecShell.h"
@@ -12,8 +14,10 @@
 #include "platform/posix/PosixFileSystem.h"
 #include "platform/posix/PosixHostEnvironment.h"
 
+#include <chrono>
 #include <cstdio>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -28,6 +32,17 @@ int runAdministrator(CommandRunner& commands, const std::string& line) {
     const auto result = PkexecShell(commands).run(line);
     std::puts(result ? "done" : ("refused: " + result.error().message).c_str());
     return 0;
+}
+
+int abandonAdministrator(PosixCommandRunner& commands, FileSystem& files, const std::string& line,
+                         const std::string& made) {
+    std::jthread end([&] {
+        while (!files.exists(made)) {
+            std::this_thread::sleep_for(std::chrono::milliseconds{10});
+        }
+        commands.abandonAll();
+    });
+    return runAdministrator(commands, line);
 }
 
 int prepare(ServiceControl& service, const ServiceProgram& program) {
@@ -60,6 +75,8 @@ int run(const std::vector<std::string>& words) {
         service->terminate();
     } else if (operation == "administrator") {
         return runAdministrator(commands, words.at(1));
+    } else if (operation == "abandon") {
+        return abandonAdministrator(commands, files, words.at(1), words.at(2));
     } else if (operation == "detach") {
         DetachedService(files, {.pidFile = words.at(1), .log = words.at(2)}).restart(programAt(words, 3));
     } else {

@@ -120,6 +120,16 @@ TEST(WorkPool, NothingIsTakenOnceItHasFinished) {
     EXPECT_EQ(done, 1);
 }
 
+TEST(WorkPool, WorkThatHangsIsNotWaitedForBeyondTheLimit) {
+    Gate gate;
+    WorkPool pool;
+    pool.start(Priority::normal, [&] { gate.pass(); });
+    ASSERT_TRUE(fakes::waitUntil([&] { return gate.waiting() == 1; }));
+    EXPECT_FALSE(pool.finish(std::chrono::milliseconds(1)));
+    gate.open();
+    EXPECT_TRUE(pool.finish(std::chrono::seconds(20)));
+}
+
 TEST(WorkPool, ManyGiversLoseNothing) {
     std::atomic<int> count = 0;
     WorkPool pool;

@@ -153,6 +153,21 @@ TEST(ClashEngineInstall, NextStartAsksAgainAndLeavesTheError) {
     EXPECT_EQ(world.engine->status(), Status::starting());
 }
 
+TEST(ClashEngineInstall, NobodyIsAskedTwiceAtATime) {
+    InstallWorld world({ServiceState::notInstalled});
+    world.dispatch.holdGlobal(true); // the person takes their time
+    world.start();
+    world.engine->start("newer");
+    world.dispatch.runAll();
+    world.dispatch.holdGlobal(false);
+    world.dispatch.runAll();
+    EXPECT_EQ(world.administrator.lines().size(), 1U);
+    EXPECT_EQ(world.calls("restart"), 1);
+    EXPECT_EQ(world.writtenConfig(), "newer");
+    world.dispatch.advance(1500ms);
+    EXPECT_EQ(world.engine->status(), Status::running());
+}
+
 TEST(ClashEngineInstall, TemporaryFileGoesEvenWhenTheEngineIsGone) {
     InstallWorld world({ServiceState::notInstalled});
     world.engine->start("text");

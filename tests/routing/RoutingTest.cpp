@@ -136,6 +136,33 @@ TEST(Routing, RequestThatComesLateDoesNotSwitchTheProxyOnAgain) {
     EXPECT_TRUE(world.settings.state("Wi-Fi").autoProxy);
 }
 
+TEST(Routing, RequestsThatCameBeforeTheNewestCostNothing) {
+    RoutingWorld world;
+    for (int tunnel = 0; tunnel < 50; ++tunnel) {
+        world.live[support::Uuid::random()] = "2000";
+        world.routing.applySystemProxy(world.live);
+    }
+    world.routing.applySystemProxy(world.live);
+    world.dispatch.runAll();
+    EXPECT_EQ(world.settings.calls(),
+              (Texts{"list", "url Wi-Fi " + world.url(), "auto Wi-Fi on", "socks Wi-Fi off"}));
+}
+
+TEST(Routing, ScriptFollowsTheTunnelsWhileTheEngineIsSwitchedOff) {
+    RoutingWorld world;
+    world.routing.setTunnelStore(world.store);
+    world.dispatch.advance(1s);
+    world.files.files.erase(kEngineConfig);
+    world.routing.manager()->setEnabled(false);
+    world.routing.startPacServer();
+    world.routing.scheduleRebuild(world.store.tunnels(), world.live);
+    world.routing.applySystemProxy(world.live);
+    world.dispatch.advance(5s);
+    EXPECT_FALSE(world.files.exists(kEngineConfig));
+    EXPECT_TRUE(world.settings.state("Wi-Fi").autoProxy);
+    EXPECT_THAT(world.script(), HasSubstr("office.example"));
+}
+
 TEST(Routing, AddressOfAKilledRunIsTakenBackAtTheStart) {
     RoutingWorld world;
     world.settings.setState("Wi-Fi", {.url = world.url(), .autoProxy = true});

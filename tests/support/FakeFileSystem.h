@@ -51,7 +51,32 @@ public:
         }
         return found->second.bytes;
     }
+    [[nodiscard]] std::expected<std::vector<platform::FolderEntry>, platform::FileError>
+    list(const std::string& folder) override {
+        if (unreadable.contains(folder)) {
+            return std::unexpected(platform::FileError{13, "Permission denied"});
+        }
+        std::vector<platform::FolderEntry> entries;
+        for (const auto& [path, file] : files) {
+            const auto slash = path.rfind('/');
+            if (path.substr(0, slash) != folder || path[slash + 1] == '.') {
+                continue;
+            }
+            const auto time = modified.find(path);
+            const auto name = path.substr(slash + 1);
+            entries.push_back({.name = name,
+                               .modified = time != modified.end() ? std::optional(time->second) : std::nullopt,
+                               .size = static_cast<std::int64_t>(file.bytes.size())});
+        }
+        if (entries.empty() && !folders.contains(folder)) {
+            return std::unexpected(platform::FileError{2, "No such file or directory"});
+        }
+        return entries;
+    }
     [[nodiscard]] std::expected<void, platform::FileError> remove(const std::string& path) override {
+        if (undeletable.contains(path)) {
+            return std::unexpected(platform::FileError{13, "Permission denied"});
+        }
         if (files.erase(path) == 0) {
             return std::unexpected(platform::FileError{2, "No such file or directory"});
         }
@@ -62,6 +87,8 @@ public:
     std::set<std::string> folders;
     std::set<std::string> unreadable; // paths that may not be read
     std::set<std::string> broken;     // paths that may be read, and cannot be
+    std::set<std::string> undeletable;
+    std::map<std::string, support::Date> modified; // when a file changed; one without is of no known date
     std::optional<platform::FileError> writeFailure;
     std::optional<platform::FileError> folderFailure;
 };

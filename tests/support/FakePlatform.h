@@ -50,8 +50,27 @@ public:
         answer = std::move(chosen);
     }
 
+    void openFiles(const platform::OpenFileRequest& request,
+                   std::function<void(std::vector<std::string>)> chosen) override {
+        requests.push_back(request);
+        answerFiles = std::move(chosen);
+    }
+    void chooseFolder(const platform::FolderRequest& request,
+                      std::function<void(std::optional<std::string>)> chosen) override {
+        folderRequests.push_back(request);
+        answer = std::move(chosen);
+    }
+    void saveFile(const platform::SaveFileRequest& request,
+                  std::function<void(std::optional<std::string>)> chosen) override {
+        saveRequests.push_back(request);
+        answer = std::move(chosen);
+    }
+
     std::vector<platform::OpenFileRequest> requests;
-    std::function<void(std::optional<std::string>)> answer; // of the panel that was opened last
+    std::vector<platform::FolderRequest> folderRequests;
+    std::vector<platform::SaveFileRequest> saveRequests;
+    std::function<void(std::optional<std::string>)> answer;    // of the panel that was opened last
+    std::function<void(std::vector<std::string>)> answerFiles; // the same, of one for several files
 };
 
 class FakePasteboard final : public platform::Pasteboard {

@@ -203,6 +203,18 @@ class AdministratorTest(unittest.TestCase):
         self.assertEqual(self.administrator(ANNA, "echo went wrong >&2; false"), "refused: went wrong")
         self.assertEqual(self.administrator(ANNA, "false"), "refused: ")
 
+    def test_end_of_the_application_waits_for_no_granted_line(self) -> None:
+        """A line that root runs already cannot be killed by the user, and goes on."""
+        begun, let_go = self.session.root / "begun", self.session.root / "let-go"
+        line = f"echo $$ > {begun}; until [ -e {let_go} ]; do sleep 0.1; done"
+        try:
+            said = self.service(ANNA, "abandon", line, str(begun))
+            self.assertTrue(Path("/proc", begun.read_text().strip()).exists())
+        finally:
+            let_go.touch()
+        self.assertTrue(said.startswith("refused: /usr/bin/pkexec: "), said)
+        wait_until(lambda: not Path("/proc", begun.read_text().strip(), "exe").exists(), "the line ends")
+
     def test_nobody_to_ask_is_no_authorization(self) -> None:
         """Without an agent a user whom no rule lets through is refused, and nothing runs."""
         done = self.run_as(BOB, ["/usr/bin/pkexec", "/bin/sh", "-c", f"touch {self.session.root}/ran"])

@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import os
+import subprocess
 import sys
 import unittest
 from pathlib import Path
@@ -19,6 +20,7 @@ from lab.session import Session  # noqa: E402
 from lab.sshlab import SshLab  # noqa: E402
 from lab.waiting import wait_until  # noqa: E402
 
+ALONE = "FERNWICK_OWN_NETWORK"  # holds the id of the process that has one
 PICTURES = os.environ.get("FERNWICK_TEST_PICTURES")
 
 
@@ -103,9 +105,19 @@ class SshTest(SystemTest):
         app.find("Connected")
 
 
-def main(*, own_network: bool = False) -> None:
-    """Runs the cases of the calling file inside a namespace of their own, which may have its own network."""
-    namespace.enter(own_network=own_network)
+def own_network() -> None:
+    """Starts the running program again in a network namespace with nothing but loopback; returns at once inside it."""
+    if os.environ.get(ALONE) != str(os.getpid()):
+        os.environ[ALONE] = str(os.getpid())
+        command = [*namespace.unshare_command()[:-1], "--net", "--"]
+        os.execvp(command[0], [*command, sys.executable, *sys.orig_argv[1:]])
+    if not namespace.inside():
+        subprocess.run(["ip", "link", "set", "lo", "up"], check=True)
+
+
+def main() -> None:
+    """Runs the cases of the calling file inside a namespace of their own."""
+    namespace.enter()
     if not program().exists():
         sys.exit(f"{program()} is not built")
     unittest.main(verbosity=2, warnings="ignore")

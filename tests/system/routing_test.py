@@ -10,7 +10,7 @@ import signal
 import subprocess
 from pathlib import Path
 
-from harness import SshTest, main, stored, wait_until
+from harness import SshTest, main, own_network, stored, wait_until
 from lab import pac, site
 from lab.app import App
 from lab.proxysettings import ProxySettings
@@ -136,4 +136,5 @@ class Routing(SshTest):
 
 
 if __name__ == "__main__":
-    main(own_network=True)
+    own_network()
+    main()

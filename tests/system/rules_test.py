@@ -8,7 +8,7 @@ from __future__ import annotations
 
 import time
 
-from harness import SystemTest, main, stored, wait_until
+from harness import SystemTest, main, own_network, stored, wait_until
 from lab import pac
 from lab.app import App
 from lab.keyboard import Keyboard, describe
@@ -536,4 +536,5 @@ class ManyRules(RulesTest):
 
 
 if __name__ == "__main__":
-    main(own_network=True)
+    own_network()
+    main()

@@ -10,6 +10,7 @@ from collections.abc import Sequence
 from pathlib import Path
 
 from lab.desktop import Desktop
+from lab.engine import StandIn, kept_away
 from lab.namespace import NESTED
 from lab.preferences import Preferences
 from lab.screen import Screen, Widget, act, checked, selected, walk
@@ -31,17 +32,20 @@ class App(Screen):
 
     def __init__(self, session: Session, desktop: Desktop, *,
                  environment: dict[str, str] | None = None, stand_in: Path | None = None,
-                 mounts: Sequence[str] = (), inside: Sequence[str] = ()) -> None:
+                 mounts: Sequence[str] = (), inside: Sequence[str] = (), engine: StandIn | None = None) -> None:
         """Starts the program; with `stand_in` in place of ssh, after the shell commands `mounts` in a namespace, and
-        by way of the command `inside`."""
+        by way of the command `inside`. It meets the proxy engine only when it is given one, and then has all powers."""
         self.session = session
         self.desktop = desktop
         self.preferences = Preferences(session.config)
         self.stderr_path = session.root / f"app-{len(list(session.root.glob('app-*')))}.log"
-        before = [*mounts, *([f"mount --bind {shlex.quote(str(stand_in))} /usr/bin/ssh"] if stand_in else [])]
+        before = [*mounts, *(engine.mounts() if engine else kept_away()),
+                  *([f"mount --bind {shlex.quote(str(stand_in))} /usr/bin/ssh"] if stand_in else [])]
         wrap = [*NESTED, "sh", "-c", " && ".join([*before, 'exec "$@"']), "sh"] if before else []
-        with open(self.stderr_path, "wb") as stderr:
-            self.process = session.start([*inside, *wrap, *POWERLESS, program()], environment=environment, stderr=stderr)
+        powers = [] if engine else POWERLESS
+        with open(self.stderr_path, "wb") as stderr, open(self.stderr_path.with_suffix(".out"), "wb") as stdout:
+            self.process = session.start([*inside, *wrap, *powers, program()], environment=environment, stdout=stdout,
+                                         stderr=stderr)
         self.pid = self.process.pid
 
     # Its windows
@@ -148,6 +152,10 @@ class App(Screen):
     def stderr(self) -> str:
         """What the application wrote to standard error."""
         return self.stderr_path.read_text(errors="replace")
+
+    def stdout(self) -> str:
+        """What the application printed."""
+        return self.stderr_path.with_suffix(".out").read_text(errors="replace")
 
     def running(self) -> bool:
         """Whether the process lives."""

@@ -33,19 +33,16 @@ def unshare_command() -> list[str]:
     return ["unshare", "--user", "--map-current-user", "--keep-caps", "--mount", "--propagation", "private", "--"]
 
 
-def enter(*, own_network: bool = False) -> None:
-    """Starts the running Python program again inside a namespace; returns at once when it already is inside.
+def inside() -> bool:
+    """Whether this program was started again by `enter`."""
+    return os.environ.get(_INSIDE) == str(os.getpid())
 
-    With `own_network` it has a network of its own too, with nothing but loopback: ports that are the same in every run
-    are free there.
-    """
-    if os.environ.get(_INSIDE) == str(os.getpid()):
-        if own_network:
-            subprocess.run(["ip", "link", "set", "lo", "up"], check=True)
+
+def enter() -> None:
+    """Starts the running Python program again inside a namespace; returns at once when it already is inside."""
+    if inside():
         return
     command = unshare_command()
-    if own_network:
-        command.insert(-1, "--net")
     if shutil.which("unshare") is None or subprocess.run([*command, "true"], capture_output=True).returncode != 0:
         raise NoNamespace("no private mount namespace: run as root, or allow user namespaces to this account")
     # unshare keeps the process id, so the mark cannot be mistaken by a program started from inside.

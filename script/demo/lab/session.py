@@ -63,11 +63,12 @@ class Session:
                                 stdin=subprocess.PIPE, cwd=Path(__file__).parents[1], start_new_session=True)
 
     def start(self, command: Sequence[str | Path], *, environment: dict[str, str] | None = None,
-              stderr: IO[bytes] | int = subprocess.DEVNULL, pass_fds: Sequence[int] = ()) -> subprocess.Popen[bytes]:
+              stdout: IO[bytes] | int = subprocess.DEVNULL, stderr: IO[bytes] | int = subprocess.DEVNULL,
+              pass_fds: Sequence[int] = ()) -> subprocess.Popen[bytes]:
         """Starts a program of this run; it also dies when this program is killed."""
         words = ["setpriv", "--pdeathsig", "KILL", "--", *map(str, command)]
         child = subprocess.Popen(words, env=environment or self.environment, cwd=self.home, start_new_session=True,
-                                 stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=stderr, pass_fds=pass_fds)
+                                 stdin=subprocess.DEVNULL, stdout=stdout, stderr=stderr, pass_fds=pass_fds)
         self._children.append(child)
         return child
 

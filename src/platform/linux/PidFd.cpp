@@ -38,9 +38,8 @@ bool awaitEnd(const FileDescriptor& process, std::chrono::milliseconds limit) {
     }
 }
 
-void signalProcess(const FileDescriptor& process, int signal) {
-    // The only failure that happens is that the process has ended, and then the signal has no one to reach.
-    syscall(SYS_pidfd_send_signal, process.get(), signal, nullptr, 0);
+bool signalProcess(const FileDescriptor& process, int signal) {
+    return syscall(SYS_pidfd_send_signal, process.get(), signal, nullptr, 0) == 0 || errno != EPERM;
 }
 
 int reapProcess(const FileDescriptor& process) {

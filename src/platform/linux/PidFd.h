@@ -20,8 +20,9 @@ namespace fernwick::platform {
 // Waits for the end of any process, a child of ours or not. False when it lives longer than that.
 [[nodiscard]] bool awaitEnd(const FileDescriptor& process, std::chrono::milliseconds limit);
 
-// Sends a signal; nothing happens when the process is gone.
-void signalProcess(const FileDescriptor& process, int signal);
+// Sends a signal; nothing happens when the process is gone. False when we may not: a program of ours that
+// became another user's.
+bool signalProcess(const FileDescriptor& process, int signal);
 
 // Waits for the end of a child of ours and reaps it: its exit status, or the number of the signal that ended
 // it.

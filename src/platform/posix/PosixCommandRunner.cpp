@@ -107,8 +107,9 @@ std::expected<CommandResult, LaunchError> PosixCommandRunner::run(const CommandR
     }
     Gathered output(std::move(child->standardOutput));
     Gathered error(std::move(child->standardError));
-    if (!gather(*child, output, error, abandoned_, deadline)) {
-        signalProcess(child->process, SIGKILL);
+    if (!gather(*child, output, error, abandoned_, deadline) && !signalProcess(child->process, SIGKILL)) {
+        // It became root, as pkexec does once a person has agreed. Its end may be far, and nobody is to wait.
+        return std::unexpected(LaunchError{EPERM, describeError(EPERM)});
     }
     const int status = reapProcess(child->process);
     output.readRest();

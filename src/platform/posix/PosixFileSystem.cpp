@@ -4,6 +4,10 @@
 #include "platform/posix/SystemError.h"
 
 #include <cerrno>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace fernwick::platform {
@@ -15,6 +19,22 @@ std::expected<void, FileError> result(int code) {
         return {};
     }
     return std::unexpected(FileError{code, describeError(code)});
+}
+
+struct CloseFolder {
+    void operator()(DIR* folder) const { closedir(folder); }
+};
+
+FolderEntry describe(int folder, const char* name) {
+    struct stat status{};
+    if (fstatat(folder, name, &status, 0) != 0) {
+        return {.name = name, .modified = std::nullopt, .size = std::nullopt};
+    }
+    const auto seconds =
+        static_cast<double>(status.st_mtim.tv_sec) + static_cast<double>(status.st_mtim.tv_nsec) / 1e9;
+    return {.name = name,
+            .modified = support::Date{seconds - support::Date::kUnixEpochOffset},
+            .size = static_cast<std::int64_t>(status.st_size)};
 }
 
 } // namespace
@@ -42,6 +62,25 @@ std::expected<std::string, FileError> PosixFileSystem::read(const std::string& p
         return std::unexpected(FileError{bytes.error(), describeError(bytes.error())});
     }
     return *std::move(bytes);
+}
+
+std::expected<std::vector<FolderEntry>, FileError> PosixFileSystem::list(const std::string& folder) {
+    const std::unique_ptr<DIR, CloseFolder> opened(opendir(folder.c_str()));
+    if (!opened) {
+        return std::unexpected(FileError{errno, describeError(errno)});
+    }
+    std::vector<FolderEntry> entries;
+    errno = 0;
+    while (const dirent* found = readdir(opened.get())) {
+        if (found->d_name[0] != '.') {
+            entries.push_back(describe(dirfd(opened.get()), found->d_name));
+        }
+        errno = 0;
+    }
+    if (errno != 0) {
+        return std::unexpected(FileError{errno, describeError(errno)});
+    }
+    return entries;
 }
 
 std::expected<void, FileError> PosixFileSystem::remove(const std::string& path) {

@@ -13,6 +13,7 @@ public:
     [[nodiscard]] bool exists(const std::string& path) override;
     [[nodiscard]] bool isReadable(const std::string& path) override;
     [[nodiscard]] std::expected<std::string, FileError> read(const std::string& path) override;
+    [[nodiscard]] std::expected<std::vector<FolderEntry>, FileError> list(const std::string& folder) override;
     [[nodiscard]] std::expected<void, FileError> remove(const std::string& path) override;
 };
 

@@ -62,13 +62,18 @@ WorkPool::~WorkPool() {
 }
 
 void WorkPool::finish() {
+    while (!finish(std::chrono::hours{1})) {
+    }
+}
+
+bool WorkPool::finish(std::chrono::milliseconds limit) {
     decltype(State::waiting) dropped; // destroyed once the lock is gone
     std::unique_lock lock(state_->mutex);
     state_->closed = true;
     dropped.swap(state_->waiting);
     state_->waitingCount = 0;
     state_->given.notify_all();
-    state_->ended.wait(lock, [&] { return state_->threads == 0; });
+    return state_->ended.wait_for(lock, limit, [&] { return state_->threads == 0; });
 }
 
 void WorkPool::start(Priority priority, Work work) {

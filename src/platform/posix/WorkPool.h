@@ -25,6 +25,9 @@ public:
     // Drops work that has not begun, and waits for what has; what is given later is dropped too.
     void finish();
 
+    // The same, but waits no longer than that. False when work is still running.
+    [[nodiscard]] bool finish(std::chrono::milliseconds limit);
+
     // Runs the work on one of the threads.
     void start(Priority priority, Work work);
 

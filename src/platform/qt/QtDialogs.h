@@ -11,6 +11,15 @@ public:
     // The panel's object name is `openFilePanel`. No panel of Linux has a place for the message.
     void openFile(const OpenFileRequest& request,
                   std::function<void(std::optional<std::string>)> chosen) override;
+    // The same name.
+    void openFiles(const OpenFileRequest& request,
+                   std::function<void(std::vector<std::string>)> chosen) override;
+    // The panel's object name is `folderPanel`.
+    void chooseFolder(const FolderRequest& request,
+                      std::function<void(std::optional<std::string>)> chosen) override;
+    // The panel's object name is `saveFilePanel`. It starts in the person's documents.
+    void saveFile(const SaveFileRequest& request,
+                  std::function<void(std::optional<std::string>)> chosen) override;
 };
 
 } // namespace fernwick::platform

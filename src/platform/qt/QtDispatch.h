@@ -19,8 +19,9 @@ public:
     // Drops everything that has not begun, and waits for background work that has.
     ~QtDispatch() override;
 
-    // Drops background work that has not begun, now and from now on, and waits for what has.
-    void finishGlobal() { pool_.finish(); }
+    // Drops background work that has not begun, now and from now on, and waits for what has, but no longer than
+    // that. False when work is still running.
+    [[nodiscard]] bool finishGlobal(Duration limit) { return pool_.finish(limit); }
 
     void main(Work work) override;
     void mainAfter(Duration delay, Work work) override;
