@@ -68,8 +68,8 @@ void RoutingListView::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-// The list's own answer would pass over the row at which the keyboard stands without it being chosen, or do nothing
-// at all where that is the only one.
+// The list's own answer would pass over the row at which the keyboard stands without it being chosen, or do
+// nothing at all where that is the only one.
 bool RoutingListView::chooseFirst(const QKeyEvent& event) {
     const int rows = model()->rowCount();
     if (selectedRow() >= 0 || rows == 0 || (event.modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier) {

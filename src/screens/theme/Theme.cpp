@@ -2,8 +2,8 @@
 
 #include "screens/theme/DesktopAppearance.h"
 #include "screens/theme/ScrollAreaAccess.h"
-#include "screens/theme/WindowAccess.h"
 #include "screens/theme/Style.h"
+#include "screens/theme/WindowAccess.h"
 
 #include <QApplication>
 #include <QFontDatabase>
