@@ -1,24 +1,14 @@
 // How the whole application behaves under load, with real children and its window open: two hundred tunnels at
 // once, a child that floods its standard error, and a keystroke's save of ten thousand tunnels, on a disk that
 // works and on one that is stuck. Prints one JSON object.
+#include "Application.h"
 #include "Heartbeat.h"
 #include "SampleCatalogue.h"
-#include "catalogue/KeyManager.h"
 #include "catalogue/StoredList.h"
-#include "catalogue/TagManager.h"
-#include "platform/posix/FileUserDefaults.h"
-#include "platform/posix/PosixHostEnvironment.h"
 #include "platform/posix/PosixProcesses.h"
-#include "platform/posix/SystemClock.h"
-#include "platform/qt/QtDispatch.h"
-#include "screens/main/MainWindow.h"
-#include "screens/theme/Theme.h"
-#include "support/NotificationCenter.h"
-#include "support/QuietPlatform.h"
 #include "support/RecordWriter.h"
 #include "support/StuckDisk.h"
 #include "support/WaitUntil.h"
-#include "tunnel/TunnelManager.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -36,7 +26,6 @@ namespace fernwick {
 namespace {
 
 constexpr int kTunnels = 200;
-constexpr std::string_view kDomain = "com.fernwick.Benchmark";
 constexpr std::string_view kFlood = "seq -f 'line %06g: what a talkative child says, about ninety characters "
                                     "of it, over and over again' 100000 >&2; "
                                     "exec sleep 60";
@@ -76,35 +65,16 @@ private:
     platform::Processes& real_;
 };
 
-// The application without its shell.
-struct World {
-    World(Theme& worn, const std::vector<Tunnel>& added) : theme(worn) {
-        for (const auto& tunnel : added) {
-            store.add(tunnel);
-        }
-        window.show();
-    }
-
-    Theme& theme;
-    platform::SystemClock clock;
-    platform::PosixHostEnvironment host;
-    platform::QtDispatch dispatch;
+struct Place : benchmarks::Machine {
     platform::ChildLauncher launcher;
     platform::PosixProcesses realProcesses{dispatch, launcher};
     StandInProcesses processes{realProcesses};
-    platform::FileUserDefaultsProvider provider{dispatch, host};
-    std::unique_ptr<platform::UserDefaults> defaults = provider.open(kDomain);
-    support::NotificationCenter notifications;
     NoRouting routing;
-    TunnelStore store{*defaults, clock};
-    fakes::QuietPlatform quiet; // no port is looked at: what lsof costs is measured elsewhere
-    TunnelManager tunnels{quiet.services(dispatch, clock, processes, host, *defaults, notifications, routing)};
-    KeyManager keys{*defaults};
-    TagManager tags{*defaults};
-    fakes::FakeDialogs dialogs;
-    fakes::FakePasteboard pasteboard;
-    MainWindow window{{theme, store, tunnels, keys, tags, notifications, dispatch, clock, host, quiet.secrets,
-                       dialogs, pasteboard}};
+};
+
+struct World : Place, benchmarks::Application {
+    World(Theme& theme, const std::vector<Tunnel>& added)
+        : Application(theme, *this, processes, routing, added) {}
 };
 
 // Runs the event loop until the condition holds; the seconds that took, or -1 when it took more than twenty.
@@ -186,6 +156,10 @@ void fill(World& world) {
     world.store.reload();
     QCoreApplication::processEvents();
     world.defaults->synchronize();
+    // The next change is then written at once.
+    QEventLoop loop;
+    QTimer::singleShot(2 * platform::FileUserDefaults::kPause, &loop, &QEventLoop::quit);
+    loop.exec();
 }
 
 // Types into the name of one tunnel; the milliseconds that each keystroke held the main thread, the shortest
@@ -227,7 +201,8 @@ void typeWithStuckDisk(Theme& theme) {
     const bool stillStuck = stuck && disk.holdsSomeone();
     disk.release();
     world.defaults->synchronize();
-    const auto stored = readStoredList<Tunnel>(*world.provider.open(kDomain), TunnelStore::kDefaultsKey);
+    const auto stored =
+        readStoredList<Tunnel>(*world.provider.open(benchmarks::kDomain), TunnelStore::kDefaultsKey);
     const bool complete = stillStuck && stored == world.store.tunnels();
     constexpr int kSyncsOfAWrite = 2; // of the file and of its folder
     std::printf(R"("stuckDisk":{"median":%.2f,"longest":%.2f,"grownKibibytes":%ld,"writes":%d,"complete":%s})",

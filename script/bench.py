@@ -146,6 +146,15 @@ def runtime(report: Report, _check: bool) -> None:
     report.line("20 keystrokes, the disk stuck: last state stored", float(stuck["complete"]), "", 1, True)
 
 
+def changes(report: Report, _check: bool) -> None:
+    """What two hundred tunnels cost that change their state again and again."""
+    print("200 tunnels whose states change all the time, popover and main window open")
+    program = BUILD / "benchmarks" / "fernwick_changes_benchmark"
+    figures = json.loads(subprocess.run([program], check=True, capture_output=True, text=True).stdout)
+    report.line("changes in a second", figures["changesPerSecond"], "", 190, True)
+    report.line("processor time, all threads together", figures["percent"], "%", 5)
+
+
 def tunnels(report: Report, check: bool) -> None:
     """What the application adds to ssh itself, with a private server."""
     print("Beside plain ssh, on a real server")
@@ -181,7 +190,7 @@ def start(report: Report, check: bool) -> None:
 def main(check: bool) -> int:
     """Runs everything."""
     broken: list[str] = []
-    parts = (coding, routing, portability, pac, filtering, screens, runtime, tunnels, start)
+    parts = (coding, routing, portability, pac, filtering, screens, runtime, changes, tunnels, start)
     for part in parts:
         for _ in range(TRIES if check else 1):
             report = Report()

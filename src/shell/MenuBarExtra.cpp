@@ -50,9 +50,11 @@ void MenuBarExtra::showIcon() {
     icon_->setContextMenu(menu_.get());
     QObject::connect(icon_.get(), &QSystemTrayIcon::activated, icon_.get(),
                      [this](QSystemTrayIcon::ActivationReason reason) { activated(reason); });
-    iconView_ =
-        std::make_unique<MenuBarIconView>(context.theme, *tally_, [this](const MenuBarIconView::Look& look) {
-            icon_->setIcon(menuBarIcon(look.symbol, look.appearance));
+    iconView_ = std::make_unique<MenuBarIconView>(
+        context.theme, *tally_, [this](const MenuBarIconView::Look& look, bool drawsAnew) {
+            if (drawsAnew) {
+                icon_->setIcon(menuBarIcon(look.symbol, look.appearance));
+            }
             icon_->setToolTip(look.toolTip);
         });
     icon_->show();

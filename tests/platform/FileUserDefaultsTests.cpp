@@ -90,9 +90,37 @@ TEST_F(FileUserDefaultsTest, ChangesThatComeDuringAWriteAreWrittenOnce) {
     dispatch_.runSerial();
     EXPECT_EQ(stored(), (PropertyDictionary{{"number", {std::int64_t{9}}}}));
     EXPECT_EQ(dispatch_.queuedSerial(), 0U);
+    dispatch_.advance(FileUserDefaults::kPause);
     defaults->set("number", {std::int64_t{10}});
     EXPECT_EQ(dispatch_.queuedSerial(), 1U);
-    EXPECT_EQ(dispatch_.pendingTimers() + dispatch_.pendingDelayed(), 0U);
+}
+
+TEST_F(FileUserDefaultsTest, ChangesThatComeSoonAfterAWriteWaitForAPause) {
+    const auto defaults = open();
+    const auto storedNumber = [&] { return stored().find("number")->second; };
+    defaults->set("number", {std::int64_t{0}});
+    dispatch_.runSerial();
+    defaults->set("number", {std::int64_t{1}});
+    defaults->set("number", {std::int64_t{2}});
+    EXPECT_EQ(dispatch_.queuedSerial(), 0U);
+    dispatch_.advance(FileUserDefaults::kPause - Duration{1});
+    EXPECT_EQ(storedNumber(), PropertyValue{std::int64_t{0}});
+    dispatch_.advance(Duration{1});
+    EXPECT_EQ(storedNumber(), PropertyValue{std::int64_t{2}});
+    EXPECT_EQ(dispatch_.pendingTimers(), 1U);
+    dispatch_.advance(FileUserDefaults::kPause);
+    EXPECT_EQ(dispatch_.pendingTimers() + dispatch_.pendingDelayed(), 0U)
+        << "nothing beats while nothing changes";
+}
+
+TEST_F(FileUserDefaultsTest, WhoWaitsAndTheEndWaitForNoPause) {
+    auto defaults = open();
+    changeAndWait(*defaults, 1);
+    changeAndWait(*defaults, 2);
+    EXPECT_EQ(stored(), (PropertyDictionary{{"number", {std::int64_t{2}}}}));
+    defaults->set("number", {std::int64_t{3}});
+    defaults.reset();
+    EXPECT_EQ(stored(), (PropertyDictionary{{"number", {std::int64_t{3}}}}));
 }
 
 TEST_F(FileUserDefaultsTest, LargeValuesCostTheCallerNoCopy) {

@@ -27,9 +27,8 @@ TEST(FileUserDefaults, ManyChangesInARowEndInTheNewestState) {
 TEST(FileUserDefaults, StuckDiskHoldsUpNoChangeAndOneWriteMakesUpForAll) {
     constexpr std::int64_t kChanges = 200;
     FileDefaultsHarness<QtHarness> harness;
+    harness.open("com.example.Contract")->set("number", {std::int64_t{0}});
     const auto defaults = harness.open("com.example.Contract");
-    defaults->set("number", {std::int64_t{0}});
-    defaults->synchronize();
     fakes::StuckDisk disk;
     defaults->set("number", {std::int64_t{1}});
     ASSERT_TRUE(fakes::waitUntil([&] { return disk.holdsSomeone(); }));

@@ -110,6 +110,42 @@ TEST_F(Rules, DisablingOneCountsAtOnceAndReachesBothPaths) {
     QApplication::activePopupWidget()->close();
 }
 
+// None is chosen at first, though the keyboard stands on one.
+TEST_F(Rules, AKeyThatMovesChoosesARowWhereNoneWasChosen) {
+    add({"one", "two", "three"});
+    open();
+    for (const auto& [key, row] : std::vector<std::pair<Qt::Key, int>>{{Qt::Key_Home, 0},
+                                                                       {Qt::Key_Down, 0},
+                                                                       {Qt::Key_Up, 0},
+                                                                       {Qt::Key_PageDown, 0},
+                                                                       {Qt::Key_PageUp, 0},
+                                                                       {Qt::Key_End, 2}}) {
+        list().selectionModel()->clear();
+        QTest::keyClick(&list(), key);
+        EXPECT_EQ(list().selectedRow(), row) << key;
+    }
+    QTest::keyClick(&list(), Qt::Key_Up);
+    EXPECT_EQ(list().selectedRow(), 1);
+}
+
+TEST_F(Rules, TheRowWhereTheKeyboardStandsIsChosenFirst) {
+    add({"one", "two", "three"});
+    open();
+    list().selectionModel()->setCurrentIndex(list().model()->index(1, 0), QItemSelectionModel::NoUpdate);
+    QTest::keyClick(&list(), Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(list().selectedRow(), -1);
+    QTest::keyClick(&list(), Qt::Key_Down);
+    EXPECT_EQ(list().selectedRow(), 1);
+}
+
+TEST_F(Rules, KeysInAnEmptyListChooseNothing) {
+    open();
+    for (const auto key : {Qt::Key_Home, Qt::Key_End, Qt::Key_Down, Qt::Key_Space, Qt::Key_Delete}) {
+        QTest::keyClick(&list(), key);
+        EXPECT_EQ(list().selectedRow(), -1) << key;
+    }
+}
+
 TEST_F(Rules, TheSpaceBarTogglesTheChosenOne) {
     add({"one"});
     open();

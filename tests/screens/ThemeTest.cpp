@@ -6,6 +6,7 @@
 #include "screens/theme/TagColors.h"
 #include "screens/theme/TypeIcons.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QImage>
 #include <QLabel>
@@ -142,6 +143,21 @@ TEST(Theme, TextCanBeReadOnItsGround) {
         }
         EXPECT_GE(contrast(colors.onAccent, colors.accent), 3.8);
     }
+}
+
+TEST(WindowAccess, PlainWindowIsSpokenAsAWindowAndAPartOfOneIsNot) {
+    const Theme theme(*qApp, Appearance::light);
+    QWidget window;
+    window.setWindowTitle(QStringLiteral("Proxies"));
+    QWidget part(&window);
+    auto* spoken = QAccessible::queryAccessibleInterface(&window);
+    EXPECT_EQ(spoken->role(), QAccessible::Window);
+    EXPECT_EQ(spoken->text(QAccessible::Name), QStringLiteral("Proxies"));
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&part)->role(), QAccessible::Client);
+    QWidget outer;
+    window.setParent(&outer);
+    EXPECT_EQ(spoken->role(), QAccessible::Client);
+    window.setParent(nullptr);
 }
 
 TEST(DisplayLine, IsOneShortLine) {

@@ -333,6 +333,7 @@ TEST_F(Detail, TheLastConnectionIsToldAnewWithoutATimer) {
     const double now = bench.clock.now().secondsSinceReference;
     edit([&](Tunnel& changed) { changed.lastConnectedAt = support::Date{now}; });
     const QString before = label("lastConnected");
+    bench.dispatch.advance(Coalescer::kInterval);
     EXPECT_EQ(bench.dispatch.pendingTimers() + bench.dispatch.pendingDelayed(), 0U);
     bench.dispatch.advance(std::chrono::minutes(5));
     turnTo("advancedTabButton");

@@ -150,7 +150,11 @@ TEST_F(TallyTest, TheIconIsTouchedOnlyWhenItChanges) {
     const Tunnel second = bench.add(tunnelNamed("second"));
     TunnelTally tally(bench.store, bench.manager, bench.dispatch);
     std::vector<MenuBarIconView::Look> looks;
-    MenuBarIconView view(bench.theme, tally, [&](const auto& look) { looks.push_back(look); });
+    std::vector<bool> drawn;
+    MenuBarIconView view(bench.theme, tally, [&](const auto& look, bool drawsAnew) {
+        looks.push_back(look);
+        drawn.push_back(drawsAnew);
+    });
     bench.connected(first);
     bench.connected(second);
     bench.failed(tunnelNamed("stranger"));
@@ -162,6 +166,7 @@ TEST_F(TallyTest, TheIconIsTouchedOnlyWhenItChanges) {
                          {MenuBarSymbol::network, Appearance::light, QStringLiteral("1/2 connected")},
                          {MenuBarSymbol::network, Appearance::light, QStringLiteral("All tunnels connected")},
                          {MenuBarSymbol::network, Appearance::dark, QStringLiteral("All tunnels connected")}}));
+    EXPECT_EQ(drawn, (std::vector{true, true, false, true}));
 }
 
 // The settings window offers it, and it changes nothing here.
@@ -170,7 +175,7 @@ TEST_F(TallyTest, ShowStatusInMenuBarIsNotRead) {
     bench.connected(bench.add(tunnelNamed("up")));
     TunnelTally tally(bench.store, bench.manager, bench.dispatch);
     int shown = 0;
-    MenuBarIconView view(bench.theme, tally, [&](const auto& look) {
+    MenuBarIconView view(bench.theme, tally, [&](const auto& look, bool /*drawsAnew*/) {
         ++shown;
         EXPECT_EQ(look.symbol, MenuBarSymbol::network);
     });

@@ -8,31 +8,16 @@ from __future__ import annotations
 import os
 import signal
 import subprocess
-import urllib.request
 from pathlib import Path
 
 from harness import SshTest, main, own_network, stored, wait_until
-from lab import site
+from lab import pac, site
 from lab.app import App
 from lab.proxysettings import ProxySettings
 from lab.waiting import wait_for
 from lab.wire import free_port
 
-SCRIPT = "http://127.0.0.1:9876/proxy.pac"
-DIRECT = 'function FindProxyForURL(url, host) { return "DIRECT"; }'
 CLIENT = Path(__file__).resolve().parents[2] / "script/demo/lab/webclient.py"
-
-
-def script(path: str = "") -> str:
-    """What the application serves."""
-    with urllib.request.build_opener(urllib.request.ProxyHandler({})).open(path or SCRIPT, timeout=5) as answer:
-        return str(answer.read().decode())
-
-
-def rule(name: str, action: str, **fields: object) -> stored.Record:
-    """A rule that is on; `fields` replaces some of its values."""
-    return {"id": stored.fresh_id(), "name": name, "isEnabled": True, "applications": [], "targetHosts": [],
-            "targetPorts": [], "action": action} | fields
 
 
 class Routing(SshTest):
@@ -49,19 +34,12 @@ class Routing(SshTest):
 
     def begin(self, *more: stored.Record, rules: list[stored.Record] | None = None) -> App:
         """Starts the application with the tunnel, `more` tunnels and the rules."""
-        wanted = [rule("Inside", "Tunnel", targetHosts=[site.NAME], tunnelID=self.record["id"])]
+        wanted = [stored.rule("Inside", "Tunnel", targetHosts=[site.NAME], tunnelID=self.record["id"])]
         self.preferences.seed(**{stored.TUNNELS: [self.record, *more], stored.KEYS: [self.key],
-                                 "com.fernwick.rules": wanted if rules is None else rules})
+                                 stored.RULES: wanted if rules is None else rules})
         app = self.start_as_is()
-        wait_until(lambda: wait_for(lambda: self.served() == DIRECT, 0.2), "the script is served")
+        wait_until(lambda: wait_for(lambda: pac.served() == pac.DIRECT, 0.2), "the script is served")
         return app
-
-    def served(self) -> str:
-        """The script, or the empty text while nobody serves it."""
-        try:
-            return script()
-        except OSError:
-            return ""
 
     def fetch(self) -> str:
         """What a program made for GNOME gets of the page; the empty text if it gets none."""
@@ -74,8 +52,8 @@ class Routing(SshTest):
         """Waits until GNOME and KDE point at the script."""
         wait_until(lambda: self.settings.gnome("mode") == "'auto'" and self.settings.kde("ProxyType") == "2",
                    "the settings point at the script")
-        self.assertEqual(self.settings.gnome("autoconfig-url"), f"'{SCRIPT}'")
-        self.assertEqual(self.settings.kde("Proxy Config Script"), SCRIPT)
+        self.assertEqual(self.settings.gnome("autoconfig-url"), f"'{pac.ADDRESS}'")
+        self.assertEqual(self.settings.kde("Proxy Config Script"), pac.ADDRESS)
 
     def off(self) -> None:
         """Waits until neither does."""
@@ -87,25 +65,25 @@ class Routing(SshTest):
         self.assertEqual(self.fetch(), "")
         self.connect(app, "Office")
         self.on()
-        wait_until(lambda: f'return "SOCKS5 127.0.0.1:{self.port}; DIRECT";' in self.served(), "the rule is served")
+        wait_until(lambda: f'return "SOCKS5 127.0.0.1:{self.port}; DIRECT";' in pac.served(), "the rule is served")
         self.assertEqual(self.fetch(), site.GREETING)
         app.press("Stop")
         self.off()
-        wait_until(lambda: self.served() == DIRECT, "the script sends everything direct")
+        wait_until(lambda: pac.served() == pac.DIRECT, "the script sends everything direct")
         self.assertEqual(self.fetch(), "")
 
     def test_one_of_two_tunnels_keeps_the_settings(self) -> None:
         other = self.tunnel("Lab", tunnelType=stored.SOCKS5, localPort=str(free_port()))
         app = self.begin(other, rules=[
-            rule("One", "Tunnel", targetHosts=["one.example"], tunnelID=self.record["id"]),
-            rule("Two", "Tunnel", targetHosts=["two.example"], tunnelID=other["id"])])
+            stored.rule("One", "Tunnel", targetHosts=["one.example"], tunnelID=self.record["id"]),
+            stored.rule("Two", "Tunnel", targetHosts=["two.example"], tunnelID=other["id"])])
         for name in ("Office", "Lab"):
             self.connect(app, name)
-        wait_until(lambda: "two.example" in self.served() and "one.example" in self.served(), "both rules are served")
+        wait_until(lambda: "two.example" in pac.served() and "one.example" in pac.served(), "both rules are served")
         app.select("Office")
         app.press("Stop")
-        wait_until(lambda: "one.example" not in self.served(), "the rule of the stopped tunnel goes")
-        self.assertIn("two.example", self.served())
+        wait_until(lambda: "one.example" not in pac.served(), "the rule of the stopped tunnel goes")
+        self.assertIn("two.example", pac.served())
         self.on()
 
     def test_last_tunnel_that_dies_takes_the_settings_back(self) -> None:
@@ -122,7 +100,7 @@ class Routing(SshTest):
         self.on()
         app.quit()
         self.assertEqual((self.settings.gnome("mode"), self.settings.kde("ProxyType")), ("'none'", "0"))
-        self.assertEqual(self.served(), "")
+        self.assertEqual(pac.served(), "")
 
     def test_settings_left_by_a_crash_are_cleared_at_the_next_start(self) -> None:
         app = self.begin()
@@ -142,11 +120,11 @@ class Routing(SshTest):
         self.off()
 
     def test_script_is_a_matter_of_the_rules_alone(self) -> None:
-        app = self.begin(rules=[rule("Tiếng Việt", "Block", targetHosts=["ads.example"]),
-                                rule("Gone", "Tunnel", targetHosts=["gone.example"], tunnelID=stored.fresh_id())])
+        app = self.begin(rules=[stored.rule("Tiếng Việt", "Block", targetHosts=["ads.example"]),
+                                stored.rule("Gone", "Tunnel", targetHosts=["gone.example"], tunnelID=stored.fresh_id())])
         self.connect(app, "Office")
-        wait_until(lambda: "ads.example" in self.served(), "the script is built")
-        self.assertEqual(self.served(), "\n".join([
+        wait_until(lambda: "ads.example" in pac.served(), "the script is built")
+        self.assertEqual(pac.served(), "\n".join([
             "function FindProxyForURL(url, host) {", "", "  // Rule: Tiếng Việt",
             '  if ((host === "ads.example")) { return "PROXY 0.0.0.0:0"; }', "", '  return "DIRECT";', "}"]))
 

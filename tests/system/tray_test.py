@@ -9,7 +9,7 @@ from lab.tray import NotifierHost, XTray
 from lab.waiting import wait_for
 
 NO_TRAY = "this desktop has no tray"
-FOOTER = ["Open Main Window", "Quit Fernwick"]
+FOOTER = ["Proxies & Rules...", "Open Main Window", "Quit Fernwick"]
 
 
 class Tray(SystemTest):

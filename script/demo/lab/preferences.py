@@ -13,6 +13,8 @@ DOMAIN = "com.fernwick.Fernwick"
 TUNNELS = "savedTunnelsData_v2"
 KEYS = "savedSSHKeys"
 TAGS = "savedTunnelTags"
+PROXIES = "com.fernwick.proxies"
+RULES = "com.fernwick.rules"
 LOCAL, REMOTE, SOCKS5, DYNAMIC = "Local Forward", "Remote Forward", "SOCKS5 Proxy", "Dynamic Forward"
 
 Record = dict[str, Any]
@@ -49,6 +51,12 @@ def key(path: Path) -> Record:
 def tag(name: str, color: str = "#0A84FF") -> Record:
     """A tag."""
     return {"id": fresh_id(), "name": name, "colorHex": color}
+
+
+def rule(name: str, action: str, **fields: Any) -> Record:
+    """A rule that is on; `fields` replaces some of its values."""
+    return {"id": fresh_id(), "name": name, "isEnabled": True, "applications": [], "targetHosts": [],
+            "targetPorts": [], "action": action} | fields
 
 
 class Preferences:

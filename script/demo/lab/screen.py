@@ -104,6 +104,43 @@ def walk(node: Widget) -> Iterator[Widget]:
             continue
 
 
+def controls(node: Widget) -> Iterator[Widget]:
+    """The widgets on the screen from `node` down, without the rows of lists, which may be many."""
+    from gi.repository import GLib
+
+    yield node
+    try:
+        if node.get_role_name() == "list":
+            return
+        children = [node.get_child_at_index(index) for index in range(node.get_child_count())]
+        below = [child for child in children if child is not None and showing(child)]
+    except GLib.Error:  # it vanished meanwhile
+        return
+    for child in below:
+        yield from controls(child)
+
+
+def called(node: Widget) -> str:
+    """What a widget is called aloud: by its label, or by its own name. A choice menu's own name is its choice."""
+    labels = labels_of(node)
+    return " ".join(labels) if labels and node.get_role_name() == "combo box" else str(node.get_name())
+
+
+def active(node: Widget) -> bool:
+    """Whether a window has the keyboard."""
+    return bool(node.get_state_set().contains(_atspi().StateType.ACTIVE))
+
+
+def focused(node: Widget) -> bool:
+    """Whether the widget has the keyboard."""
+    return bool(node.get_state_set().contains(_atspi().StateType.FOCUSED))
+
+
+def focusable(node: Widget) -> bool:
+    """Whether the widget can have the keyboard."""
+    return bool(node.get_state_set().contains(_atspi().StateType.FOCUSABLE))
+
+
 def showing(node: Widget) -> bool:
     """Whether the widget is on the screen."""
     return bool(node.get_state_set().contains(_atspi().StateType.SHOWING))

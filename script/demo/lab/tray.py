@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import ast
+import re
 
 from lab import watcher
 from lab.desktop import Desktop
@@ -79,12 +80,13 @@ class NotifierHost:
         self.desktop.call(self.item(), _ITEM_PATH, f"{_ITEM}.Activate", "600", "4")
 
     def menu(self) -> dict[str, int]:
-        """The entries of the item's menu, by their label, with their numbers."""
+        """The entries of the item's menu, by their label as a host shows it, with their numbers."""
         from gi.repository import GLib
 
         answer = self.desktop.call(self.item(), self._menu_path(), "com.canonical.dbusmenu.GetLayout", "0", "9", "[]")
         _, layout = GLib.Variant.parse(None, answer, None, None).unpack()
-        return {entry[1]["label"]: entry[0] for entry in layout[2] if entry[1].get("label")}
+        # an underscore marks the letter that follows, and is not shown
+        return {re.sub("_(.)", r"\1", entry[1]["label"]): entry[0] for entry in layout[2] if entry[1].get("label")}
 
     def choose(self, label: str) -> None:
         """What a host does when an entry of the item's menu is chosen."""

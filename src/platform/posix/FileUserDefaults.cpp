@@ -17,7 +17,7 @@ public:
     // Read on the main thread, which alone changes them, so without the lock.
     [[nodiscard]] const PropertyDictionary& values() const { return values_; }
 
-    // Puts a value under the key, or takes the key out. True when a write has to be queued for it.
+    // Puts a value under the key, or takes the key out. True when no write that is queued will take it along.
     [[nodiscard]] bool change(std::string_view key, std::optional<PropertyValue> value) {
         const std::lock_guard lock(mutex_);
         const auto found = values_.find(key);
@@ -30,7 +30,13 @@ public:
         } else {
             values_.emplace(key, std::move(*value));
         }
-        return !std::exchange(queued_, true);
+        return !queued_;
+    }
+
+    // To be told before a write is queued.
+    void willWrite() {
+        const std::lock_guard lock(mutex_);
+        queued_ = true;
     }
 
     // Writes the newest state. On the serial queue.
@@ -52,9 +58,13 @@ private:
 };
 
 FileUserDefaults::FileUserDefaults(Dispatch& dispatch, std::string path)
-    : writer_(std::make_shared<Writer>(std::move(path))), queue_(dispatch.serialQueue("user defaults")) {}
+    : dispatch_(dispatch),
+      writer_(std::make_shared<Writer>(std::move(path))),
+      queue_(dispatch.serialQueue("user defaults")) {}
 
-FileUserDefaults::~FileUserDefaults() = default; // the queue finishes what it holds
+FileUserDefaults::~FileUserDefaults() {
+    writeChanges(); // the queue finishes what it holds
+}
 
 std::optional<PropertyValue> FileUserDefaults::value(std::string_view key) const {
     const auto& values = writer_->values();
@@ -64,12 +74,32 @@ std::optional<PropertyValue> FileUserDefaults::value(std::string_view key) const
 
 void FileUserDefaults::set(std::string_view key, PropertyValue value) {
     if (writer_->change(key, std::move(value))) {
-        queue_->async([writer = writer_] { writer->write(); });
+        writeSoon();
     }
 }
 
 void FileUserDefaults::remove(std::string_view key) {
     if (writer_->values().contains(key) && writer_->change(key, std::nullopt)) {
+        writeSoon();
+    }
+}
+
+void FileUserDefaults::writeSoon() {
+    unwritten_ = true;
+    if (pause_ && pause_->isPending()) {
+        return;
+    }
+    writeChanges();
+    pause_ = dispatch_.oneShotTimer(kPause, [this] {
+        if (unwritten_) {
+            writeSoon();
+        }
+    });
+}
+
+void FileUserDefaults::writeChanges() {
+    if (std::exchange(unwritten_, false)) {
+        writer_->willWrite();
         queue_->async([writer = writer_] { writer->write(); });
     }
 }
@@ -83,6 +113,7 @@ std::vector<std::string> FileUserDefaults::keys() const {
 }
 
 void FileUserDefaults::synchronize() {
+    writeChanges();
     queue_->drain();
 }
 

@@ -1,6 +1,6 @@
 // Preferences in one property-list file per domain. Values live in memory; a serial queue writes the file
-// behind them, starting at once, and writes the newest state once more when something changed meanwhile.
-// Threads: main thread only.
+// behind them, starting at once. What changes within a pause after that is written together at its end, so that
+// a storm of changes does not wear out the disk. Threads: main thread only.
 #pragma once
 
 #include "platform/Dispatch.h"
@@ -14,6 +14,9 @@ namespace fernwick::platform {
 
 class FileUserDefaults final : public UserDefaults {
 public:
+    // Between the beginnings of two writes, unless somebody waits for the second.
+    static constexpr Duration kPause{200};
+
     // Reads the file at `path`. It is the only one of its path; the dispatch outlives it.
     FileUserDefaults(Dispatch& dispatch, std::string path);
     FileUserDefaults(const FileUserDefaults&) = delete;
@@ -29,8 +32,14 @@ public:
 private:
     class Writer;
 
+    void writeSoon();
+    void writeChanges();
+
+    Dispatch& dispatch_;
     std::shared_ptr<Writer> writer_;
     std::unique_ptr<SerialQueue> queue_;
+    std::unique_ptr<Timer> pause_;
+    bool unwritten_ = false; // something that no queued write was asked for
 };
 
 // Opens `<config folder>/<domain>.plist`.

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <iterator>
 #include <span>
+#include <tuple>
 
 namespace fernwick {
 
@@ -35,6 +36,14 @@ std::vector<Tunnel> copiesOf(std::span<const Tunnel* const> tunnels) {
     copies.reserve(tunnels.size());
     std::ranges::transform(tunnels, std::back_inserter(copies), [](const Tunnel* tunnel) { return *tunnel; });
     return copies;
+}
+
+// Whether the rows of the two are the same to the eye, the status aside.
+bool looksLike(const Tunnel& one, const Tunnel& other) {
+    const auto shown = [](const Tunnel& tunnel) {
+        return std::tie(tunnel.name, tunnel.user, tunnel.host, tunnel.tunnelType, tunnel.tagIDs);
+    };
+    return shown(one) == shown(other);
 }
 
 QString text(std::string_view utf8) {
@@ -68,13 +77,17 @@ void TunnelListModel::setTunnels(const TunnelSelection& tunnels) {
     takeChanges(tunnels);
 }
 
-// Copies only what differs: a keystroke in one of ten thousand tunnels costs one copy.
+// Copies only what differs: a keystroke in one of ten thousand tunnels costs one copy. What a row does not
+// show, as when its tunnel was last connected, is nothing that the list is told.
 void TunnelListModel::takeChanges(const TunnelSelection& tunnels) {
     for (int row = 0; row < rowCount(); ++row) {
         auto& held = tunnels_[static_cast<std::size_t>(row)];
         if (const Tunnel& given = *tunnels[static_cast<std::size_t>(row)]; held != given) {
+            const bool seen = !looksLike(held, given);
             held = given;
-            Q_EMIT dataChanged(index(row), index(row));
+            if (seen) {
+                Q_EMIT dataChanged(index(row), index(row));
+            }
         }
     }
 }

@@ -4,7 +4,7 @@
 
 namespace fernwick {
 
-MenuBarIconView::MenuBarIconView(Theme& theme, TunnelTally& tally, std::function<void(const Look&)> show)
+MenuBarIconView::MenuBarIconView(Theme& theme, TunnelTally& tally, Show show)
     : theme_(theme), tally_(tally), show_(std::move(show)) {
     subscriptions_.push_back(tally.changed.connect([this] { refresh(); }));
     subscriptions_.push_back(theme.changed.connect([this] { refresh(); }));
@@ -20,10 +20,12 @@ MenuBarSymbol MenuBarIconView::symbolFor(const TunnelTally& tally) {
 
 void MenuBarIconView::refresh() {
     Look look{symbolFor(tally_), theme_.appearance(), QString::fromStdString(tally_.summaryText())};
-    if (look != shown_) {
-        shown_ = std::move(look);
-        show_(*shown_);
+    if (look == shown_) {
+        return;
     }
+    const bool drawsAnew = !shown_ || shown_->symbol != look.symbol || shown_->appearance != look.appearance;
+    shown_ = std::move(look);
+    show_(*shown_, drawsAnew);
 }
 
 } // namespace fernwick

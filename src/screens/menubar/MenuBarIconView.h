@@ -25,9 +25,12 @@ public:
         bool operator==(const Look&) const = default;
     };
 
-    // Calls `show` with the look at once, and with every other one after it. The theme and the tally outlive
-    // the view.
-    MenuBarIconView(Theme& theme, TunnelTally& tally, std::function<void(const Look&)> show);
+    // Is called with a look, and whether the icon itself differs from the one before: a drawing is dear, and
+    // goes to the desktop whole, while the tool tip counts tunnels and changes all the time.
+    using Show = std::function<void(const Look& look, bool drawsAnew)>;
+
+    // Calls `show` at once, and with every other look after it. The theme and the tally outlive the view.
+    MenuBarIconView(Theme& theme, TunnelTally& tally, Show show);
     MenuBarIconView(const MenuBarIconView&) = delete;
     MenuBarIconView& operator=(const MenuBarIconView&) = delete;
 
@@ -39,7 +42,7 @@ private:
 
     Theme& theme_;
     TunnelTally& tally_;
-    std::function<void(const Look&)> show_;
+    Show show_;
     std::optional<Look> shown_;
     std::vector<support::Subscription> subscriptions_;
 };

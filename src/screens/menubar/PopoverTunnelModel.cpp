@@ -15,21 +15,25 @@ std::string endpointLabel(const Tunnel& tunnel) {
 PopoverTunnelModel::PopoverTunnelModel(const TunnelStore& store, const TunnelManager& manager, QObject* parent)
     : QAbstractListModel(parent), store_(store), manager_(manager) {}
 
+PopoverTunnelModel::Row PopoverTunnelModel::rowOf(const Tunnel& tunnel) {
+    std::string endpoint = endpointLabel(tunnel);
+    return {{tunnel.id, displayLine(tunnel.name), displayLine(endpoint)}, tunnel.name, std::move(endpoint)};
+}
+
 void PopoverTunnelModel::reload() {
-    std::vector<PopoverTunnel> rows;
-    rows.reserve(store_.tunnels().size());
-    std::ranges::transform(store_.tunnels(), std::back_inserter(rows), [](const Tunnel& tunnel) {
-        return PopoverTunnel{tunnel.id, displayLine(tunnel.name), displayLine(endpointLabel(tunnel))};
-    });
-    if (!std::ranges::equal(rows_, rows, {}, &PopoverTunnel::id, &PopoverTunnel::id)) {
+    const auto& tunnels = store_.tunnels();
+    if (!std::ranges::equal(rows_, tunnels, {}, [](const Row& row) { return row.shown.id; }, &Tunnel::id)) {
         beginResetModel();
-        rows_ = std::move(rows);
+        rows_.clear();
+        std::ranges::transform(tunnels, std::back_inserter(rows_), rowOf);
         endResetModel();
         return;
     }
-    const auto before = std::exchange(rows_, std::move(rows));
     for (int row = 0; row < rowCount(); ++row) {
-        if (tunnel(row) != before[static_cast<std::size_t>(row)]) {
+        auto& held = rows_[static_cast<std::size_t>(row)];
+        const Tunnel& given = tunnels[static_cast<std::size_t>(row)];
+        if (held.name != given.name || held.endpoint != endpointLabel(given)) {
+            held = rowOf(given);
             Q_EMIT dataChanged(index(row), index(row));
         }
     }

@@ -23,8 +23,6 @@ struct PopoverTunnel {
     support::Uuid id;
     QString name;
     QString endpoint;
-
-    bool operator==(const PopoverTunnel&) const = default;
 };
 
 class PopoverTunnelModel final : public QAbstractListModel {
@@ -42,7 +40,9 @@ public:
     void refreshStatuses(const std::unordered_set<support::Uuid>& ids);
 
     // The tunnel of a row, which must exist.
-    [[nodiscard]] const PopoverTunnel& tunnel(int row) const { return rows_[static_cast<std::size_t>(row)]; }
+    [[nodiscard]] const PopoverTunnel& tunnel(int row) const {
+        return rows_[static_cast<std::size_t>(row)].shown;
+    }
     [[nodiscard]] std::optional<TunnelStatus> status(int row) const { return manager_.status(tunnel(row).id); }
     [[nodiscard]] bool isActive(int row) const { return manager_.isActive(tunnel(row).id); }
 
@@ -50,9 +50,18 @@ public:
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
 
 private:
+    // What is shown, and the texts that it was made of: making it is dearer than looking whether they changed.
+    struct Row {
+        PopoverTunnel shown;
+        std::string name;
+        std::string endpoint;
+    };
+
+    [[nodiscard]] static Row rowOf(const Tunnel& tunnel);
+
     const TunnelStore& store_;
     const TunnelManager& manager_;
-    std::vector<PopoverTunnel> rows_;
+    std::vector<Row> rows_;
 };
 
 } // namespace fernwick

@@ -78,6 +78,7 @@ void ListColumn::showList() {
 void ListColumn::showEmpty(Icon icon, const QString& title, const QString& subtitle) {
     empty_->show(icon, title, subtitle);
     pages_->setCurrentWidget(empty_);
+    pages_->setAccessibleName(title + QLatin1String(", ") + subtitle); // it may have the keyboard
 }
 
 void ListColumn::setCount(const QString& text) {

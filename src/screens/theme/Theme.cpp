@@ -3,6 +3,7 @@
 #include "screens/theme/DesktopAppearance.h"
 #include "screens/theme/ScrollAreaAccess.h"
 #include "screens/theme/Style.h"
+#include "screens/theme/WindowAccess.h"
 
 #include <QApplication>
 #include <QFontDatabase>
@@ -60,6 +61,7 @@ Theme::Theme(QApplication& /*application*/, std::optional<Appearance> forced)
     QApplication::setStyle(std::make_unique<Style>(*this).release());
     apply();
     installScrollAreaAccess();
+    installWindowAccess();
     if (!forced) {
         desktop_ = std::make_unique<DesktopAppearance>([this](Appearance wanted) { setAppearance(wanted); });
     }
