@@ -8,9 +8,13 @@
 namespace fernwick::support {
 namespace {
 
-std::string textIn(const char* zone, Date date) {
+void moveTo(const char* zone) {
     setenv("TZ", zone, 1); // NOLINT(concurrency-mt-unsafe): no other thread runs
     tzset();
+}
+
+std::string textIn(const char* zone, Date date) {
+    moveTo(zone);
     return localTimeText(date);
 }
 
@@ -31,6 +35,15 @@ TEST(LocalTime, SummerTimeCounts) {
     constexpr Date kSummerNoon{805809600.0}; // 2026-07-15T12:00:00Z
     EXPECT_EQ(textIn(kZone, kWinterNoon), "13:00:00");
     EXPECT_EQ(textIn(kZone, kSummerNoon), "14:00:00");
+}
+
+TEST(LocalTime, AStampHasTheDateToo) {
+    constexpr Date kEvening{816468075.5}; // 2026-11-15T20:41:15.5Z
+    moveTo("UTC");
+    EXPECT_EQ(localFileStamp(kEvening), "2026-11-15_20-41-15");
+    EXPECT_EQ(localFileStamp({0}), "2001-01-01_00-00-00");
+    moveTo("ICT-7");
+    EXPECT_EQ(localFileStamp(kEvening), "2026-11-16_03-41-15");
 }
 
 } // namespace
