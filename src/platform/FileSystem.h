@@ -42,6 +42,12 @@ public:
     [[nodiscard]] virtual std::expected<void, FileError> write(const std::string& path, std::string_view bytes,
                                                                unsigned mode) = 0;
 
+    // Replaces what is in a file of somebody else's making, atomically as `write` does. Symbolic links are
+    // followed and stay, and the file keeps its permission bits; one that is missing is made with those of
+    // `modeOfNew`. Anything but a regular file is refused.
+    [[nodiscard]] virtual std::expected<void, FileError>
+    replaceContent(const std::string& path, std::string_view bytes, unsigned modeOfNew) = 0;
+
     // Makes the folder and those above it that are missing, for the owner alone. One that is there is success.
     [[nodiscard]] virtual std::expected<void, FileError> makeFolder(const std::string& path) = 0;
 

@@ -19,6 +19,13 @@ public:
     // The user's home folder as the system's account database has it, whatever HOME says. Never empty.
     [[nodiscard]] virtual std::string accountHome() const = 0;
 
+    // The home folder that programs go by: HOME, or the account's where that is missing or empty.
+    [[nodiscard]] std::string homeFolder() const {
+        const auto environment = variables();
+        const auto home = environment.find("HOME");
+        return home != environment.end() && !home->second.empty() ? home->second : accountHome();
+    }
+
     // Where preference files lie: $XDG_CONFIG_HOME, else ~/.config (XDG Base Directory Specification).
     [[nodiscard]] virtual std::string configFolder() const = 0;
 

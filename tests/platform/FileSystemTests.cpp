@@ -94,6 +94,51 @@ TYPED_TEST(FileSystemContract, MakesAFolderAndThoseAboveItOnceAndAgain) {
     EXPECT_TRUE(harness.files().exists(folder));
 }
 
+TYPED_TEST(FileSystemContract, ReplacingKeepsTheModeThatAFileHas) {
+    auto& harness = this->harness_;
+    ASSERT_TRUE(harness.files().replaceContent(harness.path(), "first", kOwnerOnlyFile));
+    EXPECT_EQ(harness.mode(), 0600U);
+    ASSERT_TRUE(harness.files().write(harness.path(), "second", 0644));
+    ASSERT_TRUE(harness.files().replaceContent(harness.path(), "third", kOwnerOnlyFile));
+    EXPECT_EQ(harness.read(), "third");
+    EXPECT_EQ(harness.mode(), 0644U);
+}
+
+TEST(PosixFileSystem, ReplacingFollowsLinksAndKeepsThem) {
+    PosixFilesHarness harness;
+    fs::create_directory(harness.folder / "elsewhere");
+    fs::create_symlink("second", harness.path());
+    fs::create_symlink("elsewhere/hosts", harness.folder / "second");
+    for (const char* text : {"made", "and replaced"}) {
+        ASSERT_TRUE(harness.files().replaceContent(harness.path(), text, kOwnerOnlyFile));
+        EXPECT_TRUE(fs::is_symlink(harness.path()));
+        EXPECT_TRUE(fs::is_symlink(harness.folder / "second"));
+        EXPECT_EQ(harness.folder.read("elsewhere/hosts"), text);
+    }
+    EXPECT_EQ(std::distance(fs::directory_iterator(harness.folder / "elsewhere"), {}), 1);
+}
+
+TEST(PosixFileSystem, ReplacesNothingButFiles) {
+    PosixFilesHarness harness;
+    ASSERT_EQ(mkfifo(harness.path().c_str(), 0600), 0);
+    const auto pipe = harness.files().replaceContent(harness.path(), "text", kOwnerOnlyFile);
+    ASSERT_FALSE(pipe);
+    EXPECT_EQ(pipe.error().code, EINVAL);
+    EXPECT_TRUE(fs::is_fifo(harness.path()));
+    const auto folder = harness.files().replaceContent(harness.folder.path(), "text", kOwnerOnlyFile);
+    ASSERT_FALSE(folder);
+    EXPECT_EQ(folder.error().code, EISDIR);
+}
+
+TEST(PosixFileSystem, ACircleOfLinksIsTold) {
+    PosixFilesHarness harness;
+    fs::create_symlink("file", harness.path());
+    const auto written = harness.files().replaceContent(harness.path(), "text", kOwnerOnlyFile);
+    ASSERT_FALSE(written);
+    EXPECT_EQ(written.error().code, ELOOP);
+    EXPECT_TRUE(fs::is_symlink(harness.path()));
+}
+
 TEST(PosixFileSystem, FolderThatIsAFileIsTold) {
     PosixFilesHarness harness;
     ASSERT_TRUE(harness.files().write(harness.path(), "text", kOwnerOnlyFile));

@@ -27,6 +27,13 @@ public:
         files.insert_or_assign(path, File{std::string(bytes), mode});
         return {};
     }
+    [[nodiscard]] std::expected<void, platform::FileError>
+    replaceContent(const std::string& path, std::string_view bytes, unsigned modeOfNew) override {
+        const auto link = links.find(path);
+        const auto& file = link != links.end() ? link->second : path;
+        const auto found = files.find(file);
+        return write(file, bytes, found != files.end() ? found->second.mode : modeOfNew);
+    }
     [[nodiscard]] std::expected<void, platform::FileError> makeFolder(const std::string& path) override {
         if (folderFailure) {
             return std::unexpected(*folderFailure);
@@ -85,8 +92,9 @@ public:
 
     std::map<std::string, File> files;
     std::set<std::string> folders;
-    std::set<std::string> unreadable; // paths that may not be read
-    std::set<std::string> broken;     // paths that may be read, and cannot be
+    std::map<std::string, std::string> links; // where a link leads, for replacing alone
+    std::set<std::string> unreadable;         // paths that may not be read
+    std::set<std::string> broken;             // paths that may be read, and cannot be
     std::set<std::string> undeletable;
     std::map<std::string, support::Date> modified; // when a file changed; one without is of no known date
     std::optional<platform::FileError> writeFailure;

@@ -44,6 +44,21 @@ std::expected<void, FileError> PosixFileSystem::write(const std::string& path, s
     return result(replaceFile(path, bytes, {.mode = mode, .durable = false}));
 }
 
+std::expected<void, FileError> PosixFileSystem::replaceContent(const std::string& path, std::string_view bytes,
+                                                               unsigned modeOfNew) {
+    const auto file = followLinks(path);
+    struct stat status{};
+    const bool isThere = stat(file.c_str(), &status) == 0;
+    if (!isThere && errno != ENOENT) {
+        return result(errno);
+    }
+    if (isThere && !S_ISREG(status.st_mode)) {
+        return result(S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
+    }
+    constexpr unsigned kPermissionBits = 07777;
+    return write(file, bytes, isThere ? status.st_mode & kPermissionBits : modeOfNew);
+}
+
 std::expected<void, FileError> PosixFileSystem::makeFolder(const std::string& path) {
     return result(makeFolders(path));
 }

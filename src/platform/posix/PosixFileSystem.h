@@ -9,6 +9,8 @@ class PosixFileSystem final : public FileSystem {
 public:
     [[nodiscard]] std::expected<void, FileError> write(const std::string& path, std::string_view bytes,
                                                        unsigned mode) override;
+    [[nodiscard]] std::expected<void, FileError> replaceContent(const std::string& path, std::string_view bytes,
+                                                                unsigned modeOfNew) override;
     [[nodiscard]] std::expected<void, FileError> makeFolder(const std::string& path) override;
     [[nodiscard]] bool exists(const std::string& path) override;
     [[nodiscard]] bool isReadable(const std::string& path) override;

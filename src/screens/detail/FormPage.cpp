@@ -7,11 +7,10 @@ namespace fernwick {
 namespace {
 
 constexpr int kWidest = 760;
-constexpr int kBottom = 30; // under each section
 
 } // namespace
 
-FormPage::FormPage(const Theme& theme, QWidget* parent)
+FormPage::FormPage(const Theme& theme, QWidget* parent, Room room)
     : QScrollArea(parent), theme_(theme), column_(new QWidget), sections_(new QVBoxLayout(column_)) {
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -19,15 +18,16 @@ FormPage::FormPage(const Theme& theme, QWidget* parent)
     setFocusPolicy(Qt::NoFocus);
     setWidgetResizable(true);
     viewport()->setAutoFillBackground(false);
-    sections_->setContentsMargins(0, 0, 0, kBottom); // a layout puts no spacing before the stretch at its end
-    sections_->setSpacing(kBottom);
+    sections_->setContentsMargins(0, 0, 0,
+                                  room.between); // a layout puts no spacing before the stretch at its end
+    sections_->setSpacing(room.between);
     sections_->addStretch();
     column_->setMaximumWidth(kWidest);
     auto* ground = new QWidget;
     auto* centre = new QHBoxLayout(ground);
     // The scroll bar stands in the margin, so that cards line up with what is above the page.
     const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
-    centre->setContentsMargins(grid::kLarge, grid::kTight, grid::kLarge - bar, 0);
+    centre->setContentsMargins(grid::kLarge, room.above, grid::kLarge - bar, 0);
     centre->addStretch(1);
     centre->addWidget(column_, 1000);
     centre->addStretch(1);
@@ -35,8 +35,8 @@ FormPage::FormPage(const Theme& theme, QWidget* parent)
     ground->setAutoFillBackground(false); // the area has just given it a ground
 }
 
-FormSection* FormPage::addSection(const QString& title, Icon icon) {
-    auto* section = new FormSection(theme_, title, icon, column_);
+FormSection* FormPage::addSection(const QString& title, Icon icon, int padding) {
+    auto* section = new FormSection(theme_, title, icon, column_, padding);
     sections_->insertWidget(sections_->count() - 1, section);
     return section;
 }

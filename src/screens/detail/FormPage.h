@@ -10,10 +10,16 @@ namespace fernwick {
 
 class FormPage : public QScrollArea {
 protected:
-    FormPage(const Theme& theme, QWidget* parent);
+    // How roomy a page is, in logical pixels.
+    struct Room {
+        int above;   // the first section
+        int between; // two sections, and below the last
+    };
 
-    // Adds a section at the end.
-    FormSection* addSection(const QString& title, Icon icon);
+    FormPage(const Theme& theme, QWidget* parent, Room room = {.above = grid::kTight, .between = 30});
+
+    // Adds a section at the end; `padding` lies above and below its rows.
+    FormSection* addSection(const QString& title, Icon icon, int padding = grid::kLarge);
 
 private:
     const Theme& theme_;

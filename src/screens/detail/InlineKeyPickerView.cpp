@@ -20,12 +20,6 @@ constexpr int kPlusSize = 14;
 constexpr int kHintIconSize = 14;
 constexpr int kNarrowestMenu = 160;
 
-std::string startFolder(const platform::HostEnvironment& host) {
-    const auto variables = host.variables();
-    const auto home = variables.find("HOME");
-    return (home != variables.end() && !home->second.empty() ? home->second : host.accountHome()) + "/.ssh";
-}
-
 QWidget* makeHint(const Theme& theme, QWidget* parent) {
     auto* hint = new QWidget(parent);
     auto* text =
@@ -130,7 +124,7 @@ void InlineKeyPickerView::askForFile() {
     platform::OpenFileRequest request;
     request.title = "Select SSH Private Key";
     request.message = "Choose your private key file (id_rsa, id_ed25519, .pem, etc.)";
-    request.folder = startFolder(context_.host);
+    request.folder = context_.host.homeFolder() + "/.ssh";
     context_.dialogs.openFile(
         request, [weak = self_.weak(), tunnelID = binding_.value().id](const std::optional<std::string>& path) {
             auto* self = weak.get();

@@ -1,26 +1,10 @@
 #include "screens/routing/ProxyRuleWindowController.h"
 
-#include <QScreen>
+#include "screens/WindowPlacement.h"
 
 #include <utility>
 
 namespace fernwick {
-
-namespace {
-
-void bringToFront(QWidget& window) {
-    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
-    window.show();
-    window.raise();
-    window.activateWindow();
-}
-
-void centre(QWidget& window) {
-    const QRect area = window.screen()->availableGeometry();
-    window.move(area.center() - QRect(QPoint(0, 0), window.size()).center());
-}
-
-} // namespace
 
 ProxyRuleWindowController::ProxyRuleWindowController(const RoutingContext& context,
                                                      OpenRuleEditor openRuleEditor)
@@ -35,7 +19,7 @@ void ProxyRuleWindowController::show(TunnelNames tunnels) {
     }
     window_ = std::make_unique<ProxyRuleWindow>(context_, std::move(tunnels), openRuleEditor_);
     window_->onClose = [this] { windowWillClose(); };
-    centre(*window_);
+    centreOnScreen(*window_);
     bringToFront(*window_);
 }
 

@@ -40,9 +40,10 @@ QString displayLine(std::string_view utf8, qsizetype limit) {
     return text;
 }
 
-int drawLine(QPainter& painter, const QRect& area, const QString& text, Qt::LayoutDirection direction) {
+int drawLine(QPainter& painter, const QRect& area, const QString& text, Qt::LayoutDirection direction,
+             Qt::TextElideMode elide) {
     const QFontMetrics metrics = painter.fontMetrics();
-    const QString shown = metrics.elidedText(text, Qt::ElideRight, area.width());
+    const QString shown = metrics.elidedText(text, elide, area.width());
     const auto before = painter.layoutDirection();
     if (direction == Qt::LayoutDirectionAuto) {
         direction = text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight;

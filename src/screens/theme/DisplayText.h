@@ -21,8 +21,8 @@ inline constexpr qsizetype kLongestLine = 256;
 
 // Draws one line in the painter's font and pen at the left edge of the area, cut short where there is no room.
 // Unless a direction is given the text runs in its own, so that the ellipsis stands where its reader would look
-// for the rest. Returns the width of what was drawn.
+// for the rest; `elide` says what gives way. Returns the width of what was drawn.
 int drawLine(QPainter& painter, const QRect& area, const QString& text,
-             Qt::LayoutDirection direction = Qt::LayoutDirectionAuto);
+             Qt::LayoutDirection direction = Qt::LayoutDirectionAuto, Qt::TextElideMode elide = Qt::ElideRight);
 
 } // namespace fernwick

@@ -65,6 +65,17 @@ constexpr std::array kFiles{IconFile{Icon::plus, "plus"},
                             IconFile{Icon::power, "power"},
                             IconFile{Icon::window, "window"},
                             IconFile{Icon::arrowClockwise, "arrow-clockwise"},
+                            IconFile{Icon::switchControl, "switch"},
+                            IconFile{Icon::listRectangle, "list-rectangle"},
+                            IconFile{Icon::tag, "tag"},
+                            IconFile{Icon::arrowsCircle, "arrows-circle"},
+                            IconFile{Icon::pencil, "pencil"},
+                            IconFile{Icon::eye, "eye"},
+                            IconFile{Icon::eyeOff, "eye-off"},
+                            IconFile{Icon::shieldLock, "shield-lock"},
+                            IconFile{Icon::keyOff, "key-off"},
+                            IconFile{Icon::lockOpen, "lock-open"},
+                            IconFile{Icon::exclamationCircle, "exclamation-circle"},
                             IconFile{Icon::application, "com.fernwick.Fernwick"}};
 
 QString fileOf(Icon icon) {

@@ -55,6 +55,17 @@ enum class Icon {
     power,
     window,
     arrowClockwise,
+    switchControl,
+    listRectangle,
+    tag,
+    arrowsCircle,
+    pencil,
+    eye,
+    eyeOff,
+    shieldLock,
+    keyOff,
+    lockOpen,
+    exclamationCircle,
     application // the application's own mark, which keeps its colours
 };
 

@@ -86,7 +86,7 @@ void ElidedLabel::paintEvent(QPaintEvent* /*event*/) {
                     centred ? -(free - free / 2) : 0, 0);
     }
     drawLine(painter, area, text(),
-             testAttribute(Qt::WA_SetLayoutDirection) ? layoutDirection() : Qt::LayoutDirectionAuto);
+             testAttribute(Qt::WA_SetLayoutDirection) ? layoutDirection() : Qt::LayoutDirectionAuto, elide_);
 }
 
 void Card::paintEvent(QPaintEvent* /*event*/) {

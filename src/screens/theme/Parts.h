@@ -44,10 +44,16 @@ class ElidedLabel final : public QLabel {
 public:
     explicit ElidedLabel(QWidget* parent) : QLabel(parent) { setTextFormat(Qt::PlainText); }
 
+    // Which part of the text gives way, the end at first. The end of a path says more than its middle.
+    void setElideMode(Qt::TextElideMode mode) { elide_ = mode; }
+
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+
+private:
+    Qt::TextElideMode elide_ = Qt::ElideRight;
 };
 
 // A rounded card in the surface colour.

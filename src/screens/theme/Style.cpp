@@ -6,6 +6,7 @@
 #include "screens/theme/StylePaint.h"
 #include "screens/theme/Theme.h"
 
+#include <QAbstractSpinBox>
 #include <QComboBox>
 #include <QMenu>
 #include <QPainter>
@@ -60,6 +61,7 @@ void Style::drawPrimitive(PrimitiveElement element, const QStyleOption* option, 
     case PE_PanelMenuBar:
     case PE_PanelStatusBar:
     case PE_FrameStatusBarItem:
+    case PE_PanelScrollAreaCorner:
         return;
     case PE_FrameFocusRect:
         stylepaint::focusRing(*painter, QRectF(option->rect), colors.accent, grid::kTight);
@@ -168,6 +170,11 @@ void Style::drawComplexControl(ComplexControl control, const QStyleOptionComplex
             return;
         }
     }
+    if (const auto* box = qstyleoption_cast<const QStyleOptionSpinBox*>(option); box && control == CC_SpinBox) {
+        stylepaint::spinBox(*painter, *box, subControlRect(control, option, SC_SpinBoxUp, widget),
+                            subControlRect(control, option, SC_SpinBoxDown, widget), theme_);
+        return;
+    }
     if (control == CC_Slider) {
         if (const auto* slider = qstyleoption_cast<const QStyleOptionSlider*>(option)) {
             const QRect handle = subControlRect(CC_Slider, option, SC_SliderHandle, widget);
@@ -180,7 +187,9 @@ void Style::drawComplexControl(ComplexControl control, const QStyleOptionComplex
 
 QRect Style::subElementRect(SubElement element, const QStyleOption* option, const QWidget* widget) const {
     if (element == SE_LineEditContents) {
-        return option->rect.adjusted(kFieldPadding, 1, -kFieldPadding, -1);
+        const bool inSpinBox = widget != nullptr && qobject_cast<QAbstractSpinBox*>(widget->parentWidget());
+        const int padding = inSpinBox ? kFieldPadding / 2 : kFieldPadding; // the box has some already
+        return option->rect.adjusted(padding, 1, -padding, -1);
     }
     return QProxyStyle::subElementRect(element, option, widget);
 }
@@ -224,6 +233,8 @@ QSize Style::sizeFromContents(ContentsType type, const QStyleOption* option, con
                 std::max(size.height() + grid::kSmall, grid::kControlHeight)};
     case CT_LineEdit:
         return {size.width() + 2 * kFieldPadding, std::max(size.height() + grid::kSmall, grid::kControlHeight)};
+    case CT_SpinBox:
+        return {size.width() + 2 * grid::kLarge, std::max(size.height() + grid::kSmall, grid::kControlHeight)};
     case CT_ComboBox:
         return {size.width() + grid::kSmall + 2 * grid::kMedium + grid::kSmall, grid::kControlHeight};
     case CT_MenuBarItem:

@@ -228,4 +228,28 @@ void slider(QPainter& painter, const QStyleOptionSlider& option, const QRectF& h
     painter.restore();
 }
 
+void spinBox(QPainter& painter, const QStyleOptionSpinBox& option, const QRect& up, const QRect& down,
+             const Theme& theme) {
+    const Palette& colors = theme.colors();
+    textField(painter, option, colors);
+    const auto arrow = [&](const QRect& button, QStyle::SubControl part, bool enabled, double turned) {
+        if (option.activeSubControls.testFlag(part)) {
+            roundedBox(painter, QRectF(button.adjusted(1, 1, -1, -1)), shade(option, colors), Qt::transparent,
+                       kIndicatorRadius);
+        }
+        painter.save();
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.setOpacity(enabled ? 1.0 : kDisabledOpacity);
+        painter.translate(QRectF(button).center());
+        painter.rotate(turned);
+        constexpr int kSize = 10;
+        theme.icons().paint(painter, Icon::chevronDown, colors.secondary,
+                            QRectF(-kSize / 2.0, -kSize / 2.0, kSize, kSize), kSize);
+        painter.restore();
+    };
+    constexpr double kHalfTurn = 180.0;
+    arrow(up, QStyle::SC_SpinBoxUp, option.stepEnabled.testFlag(QAbstractSpinBox::StepUpEnabled), kHalfTurn);
+    arrow(down, QStyle::SC_SpinBoxDown, option.stepEnabled.testFlag(QAbstractSpinBox::StepDownEnabled), 0.0);
+}
+
 } // namespace fernwick::stylepaint

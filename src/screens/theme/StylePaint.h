@@ -13,6 +13,7 @@ class QStyleOptionButton;
 class QStyleOptionComboBox;
 class QStyleOptionMenuItem;
 class QStyleOptionSlider;
+class QStyleOptionSpinBox;
 
 namespace fernwick {
 
@@ -36,6 +37,8 @@ void radioButton(QPainter& painter, const QStyleOption& option, const Palette& c
 void comboBox(QPainter& painter, const QStyleOptionComboBox& option, const Theme& theme);
 void comboBoxLabel(QPainter& painter, const QStyleOptionComboBox& option, const Palette& colors);
 void slider(QPainter& painter, const QStyleOptionSlider& option, const QRectF& handle, const Palette& colors);
+void spinBox(QPainter& painter, const QStyleOptionSpinBox& option, const QRect& up, const QRect& down,
+             const Theme& theme);
 void menuPanel(QPainter& painter, const QStyleOption& option, const Palette& colors);
 void menuItem(QPainter& painter, const QStyleOptionMenuItem& option, const Theme& theme);
 void menuBarItem(QPainter& painter, const QStyleOptionMenuItem& option, const Palette& colors);
