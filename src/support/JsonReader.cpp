@@ -166,6 +166,11 @@ bool JsonReader::readText(std::string_view json, ElementReader readElement, void
     return skipSpace(json, at + 1) == json.size() || fail("goes on behind its end");
 }
 
+bool JsonReader::readDocument(std::string_view json, ElementReader readValue, void* out) {
+    const auto value = parse(json, json.size());
+    return value && readValue(*this, *value, out);
+}
+
 std::optional<JsonValue> JsonReader::parse(std::string_view element, std::size_t readable) {
     const char* text = element.data();
     if (readable - element.size() < simdjson::SIMDJSON_PADDING) {
@@ -268,6 +273,19 @@ bool JsonReader::readElements(const JsonValue& value, ElementReader readElement,
             return failedIn("[" + std::to_string(index) + "]");
         }
         ++index;
+    }
+    return true;
+}
+
+bool JsonReader::readMembers(const JsonValue& value, MemberReader readMember, void* map) {
+    const auto object = as<dom::object>(value.place_);
+    if (!object) {
+        return fail("is no object");
+    }
+    for (const auto& [name, element] : *object) {
+        if (!readMember(*this, name, valueOf(element), map)) {
+            return failedIn("." + std::string(name));
+        }
     }
     return true;
 }

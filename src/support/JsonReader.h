@@ -55,8 +55,11 @@ struct FieldReader {
     bool (*read)(JsonReader& reader, const JsonValue& value, void* record);
 };
 
-// Appends a value to the list of some element type; returns whether it fits.
+// Appends a value to the list of some element type, or reads the one value of a text; returns whether it fits.
 using ElementReader = bool (*)(JsonReader& reader, const JsonValue& value, void* list);
+
+// Reads the value of that name into the map of some element type; returns whether it fits.
+using MemberReader = bool (*)(JsonReader& reader, std::string_view name, const JsonValue& value, void* map);
 
 // Reading returns whether the value fits. The first that does not is kept as the error; callers stop there.
 class JsonReader {
@@ -74,6 +77,9 @@ public:
     // 1,024 in an element.
     [[nodiscard]] bool readText(std::string_view json, ElementReader readElement, void* list);
 
+    // The same for a text that must be one JSON value of any kind.
+    [[nodiscard]] bool readDocument(std::string_view json, ElementReader readValue, void* out);
+
     [[nodiscard]] bool read(const JsonValue& value, std::string& out);
     [[nodiscard]] bool read(const JsonValue& value, bool& out);
     [[nodiscard]] bool read(const JsonValue& value, std::int64_t& out);
@@ -87,6 +93,9 @@ public:
 
     // Reads an array element by element into a list, up to the first that does not fit.
     [[nodiscard]] bool readElements(const JsonValue& value, ElementReader readElement, void* list);
+
+    // Reads an object whose names are not known beforehand, member by member; a name may be there twice.
+    [[nodiscard]] bool readMembers(const JsonValue& value, MemberReader readMember, void* map);
 
     // Keeps why a value does not fit; returns false.
     bool fail(std::string_view message);

@@ -1,5 +1,6 @@
 // JSON to records, strictly: a missing key, a value of another type, an unknown raw text or a malformed UUID in
-// one record fails the whole list. Unknown keys are ignored; null stands for an absent optional. Threads: any.
+// one record fails the whole list. Unknown keys are ignored; null stands for an absent optional. An object of
+// any names is read into a map, in which the last value of a name stands. Threads: any.
 #pragma once
 
 #include "support/JsonReader.h"
@@ -7,7 +8,10 @@
 
 #include <array>
 #include <expected>
+#include <functional>
+#include <map>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <tuple>
 #include <type_traits>
@@ -22,6 +26,13 @@ template <class T>
 inline constexpr bool kIsOptional = false;
 template <class T>
 inline constexpr bool kIsOptional<std::optional<T>> = true;
+
+template <class T>
+using TextMap = std::map<std::string, T, std::less<>>;
+template <class T>
+inline constexpr bool kIsTextMap = false;
+template <class T>
+inline constexpr bool kIsTextMap<TextMap<T>> = true;
 
 template <class T>
 [[nodiscard]] bool readValue(JsonReader& reader, const JsonValue& value, T& out);
@@ -52,6 +63,22 @@ template <class T>
     return reader.readElements(value, &readElement<T>, &out);
 }
 
+template <class T>
+[[nodiscard]] bool readMember(JsonReader& reader, std::string_view name, const JsonValue& value, void* map) {
+    return readValue(reader, value, (*static_cast<TextMap<T>*>(map))[std::string(name)]);
+}
+
+template <class T>
+[[nodiscard]] bool readMembers(JsonReader& reader, const JsonValue& value, TextMap<T>& out) {
+    out.clear();
+    return reader.readMembers(value, &readMember<T>, &out);
+}
+
+template <Record R>
+[[nodiscard]] bool readWhole(JsonReader& reader, const JsonValue& value, void* record) {
+    return readValue(reader, value, *static_cast<R*>(record));
+}
+
 template <RawTextEnum Enum>
 [[nodiscard]] bool readRawText(JsonReader& reader, const JsonValue& value, Enum& out) {
     const auto text = value.text();
@@ -79,6 +106,8 @@ bool readValue(JsonReader& reader, const JsonValue& value, T& out) {
         return readOptional(reader, value, out);
     } else if constexpr (requires { reader.read(value, out); }) {
         return reader.read(value, out);
+    } else if constexpr (kIsTextMap<T>) {
+        return readMembers(reader, value, out);
     } else {
         return readElements(reader, value, out);
     }
@@ -96,6 +125,17 @@ template <Record R>
         return std::unexpected(reader.takeError());
     }
     return list;
+}
+
+// The record that a JSON object is, or why it is none.
+template <Record R>
+[[nodiscard]] std::expected<R, DecodeError> decodeRecord(std::string_view json) {
+    JsonReader reader;
+    R record;
+    if (!reader.readDocument(json, &detail::readWhole<R>, &record)) {
+        return std::unexpected(reader.takeError());
+    }
+    return record;
 }
 
 } // namespace fernwick::support

@@ -97,6 +97,7 @@ TEST(DesktopEntry, FieldCodesAreLeftOut) {
     EXPECT_THAT(command("foo --open=%u 100%%"), ElementsAre("foo", "--open=", "100%"));
     EXPECT_THAT(command("foo %"), ElementsAre("foo"));
     EXPECT_THAT(command(R"(foo "%u")"), ElementsAre("foo", "%u"));
+    EXPECT_THAT(command(R"(foo "100%%" "%")"), ElementsAre("foo", "100%", "%"));
 }
 
 TEST(DesktopEntry, GarbageIsSurvived) {

@@ -4,8 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cerrno>
+#include <fcntl.h>
 #include <filesystem>
+#include <map>
+#include <optional>
 #include <sys/stat.h>
 
 namespace fernwick::platform {
@@ -16,7 +20,8 @@ namespace fs = std::filesystem;
 
 struct FakeFilesHarness {
     FileSystem& files() { return fake; }
-    [[nodiscard]] std::string path() const { return "/folder/file"; }
+    [[nodiscard]] std::string path() const { return folderPath() + "/file"; }
+    [[nodiscard]] std::string folderPath() const { return "/folder"; }
     [[nodiscard]] std::string read() const { return fake.files.at(path()).bytes; }
     [[nodiscard]] unsigned mode() const { return fake.files.at(path()).mode; }
     [[nodiscard]] bool exists() const { return fake.files.contains(path()); }
@@ -26,6 +31,7 @@ struct FakeFilesHarness {
 struct PosixFilesHarness {
     FileSystem& files() { return real; }
     [[nodiscard]] std::string path() const { return folder / "file"; }
+    [[nodiscard]] std::string folderPath() const { return folder.path(); }
     [[nodiscard]] std::string read() const { return folder.read("file"); }
     [[nodiscard]] unsigned mode() const { return static_cast<unsigned>(fs::status(path()).permissions()); }
     [[nodiscard]] bool exists() const { return fs::exists(path()); }
@@ -38,6 +44,17 @@ class FileSystemContract : public testing::Test {
 protected:
     Harness harness_;
 };
+
+// The names and sizes in a listing, sorted.
+std::map<std::string, std::optional<std::int64_t>> sizesIn(FileSystem& files, const std::string& folder) {
+    std::map<std::string, std::optional<std::int64_t>> sizes;
+    for (const auto& entry : files.list(folder).value_or(std::vector<FolderEntry>())) {
+        sizes.emplace(entry.name, entry.size);
+    }
+    return sizes;
+}
+
+using Sizes = std::map<std::string, std::optional<std::int64_t>>;
 
 using Harnesses = testing::Types<FakeFilesHarness, PosixFilesHarness>;
 TYPED_TEST_SUITE(FileSystemContract, Harnesses);
@@ -137,6 +154,63 @@ TEST(PosixFileSystem, ACircleOfLinksIsTold) {
     ASSERT_FALSE(written);
     EXPECT_EQ(written.error().code, ELOOP);
     EXPECT_TRUE(fs::is_symlink(harness.path()));
+}
+
+TYPED_TEST(FileSystemContract, ListsWhatStandsInAFolderButHiddenThings) {
+    auto& harness = this->harness_;
+    const auto folder = harness.folderPath();
+    for (const auto* name : {"/one", "/Kết nối: 12:30.json", "/.hidden"}) {
+        ASSERT_TRUE(harness.files().write(folder + name, "text", kOwnerOnlyFile));
+    }
+    ASSERT_TRUE(harness.files().write(folder + "/empty", "", kOwnerOnlyFile));
+    ASSERT_TRUE(harness.files().makeFolder(folder + "/below"));
+    ASSERT_TRUE(harness.files().write(folder + "/below/file", "text", kOwnerOnlyFile));
+    auto sizes = sizesIn(harness.files(), folder);
+    sizes.erase("below"); // how large a folder is, is the file system's own affair
+    EXPECT_EQ(sizes, (Sizes{{"one", 4}, {"Kết nối: 12:30.json", 4}, {"empty", 0}}));
+    EXPECT_EQ(sizesIn(harness.files(), folder + "/below"), (Sizes{{"file", 4}}));
+}
+
+TYPED_TEST(FileSystemContract, ListsAnEmptyFolderAndNoMissingOne) {
+    auto& harness = this->harness_;
+    const auto folder = harness.folderPath() + "/below";
+    const auto missing = harness.files().list(folder);
+    ASSERT_FALSE(missing);
+    EXPECT_EQ(missing.error().code, ENOENT);
+    EXPECT_EQ(missing.error().description, "No such file or directory");
+    ASSERT_TRUE(harness.files().makeFolder(folder));
+    EXPECT_EQ(harness.files().list(folder), std::vector<FolderEntry>());
+}
+
+TEST(PosixFileSystem, ListsWhenAFileChanged) {
+    PosixFilesHarness harness;
+    ASSERT_TRUE(harness.files().write(harness.path(), "text", kOwnerOnlyFile));
+    // 2001-01-01T00:00:10.5Z, half a second included.
+    const std::array<timespec, 2> times{{{978307200, 0}, {978307210, 500'000'000}}};
+    ASSERT_EQ(utimensat(AT_FDCWD, harness.path().c_str(), times.data(), 0), 0);
+    const auto entries = harness.files().list(harness.folderPath());
+    ASSERT_TRUE(entries);
+    EXPECT_EQ(*entries, (std::vector<FolderEntry>{{"file", support::Date{10.5}, 4}}));
+}
+
+TEST(PosixFileSystem, ListsALinkAsWhatItLeadsTo) {
+    PosixFilesHarness harness;
+    ASSERT_TRUE(harness.files().write(harness.folder / ".target", "text", kOwnerOnlyFile));
+    fs::create_symlink(".target", harness.folder / "link");
+    fs::create_symlink("nowhere", harness.folder / "dangling");
+    EXPECT_EQ(sizesIn(harness.files(), harness.folderPath()), (Sizes{{"link", 4}, {"dangling", std::nullopt}}));
+}
+
+TEST(PosixFileSystem, ListsNoFileAndTenThousandFiles) {
+    PosixFilesHarness harness;
+    ASSERT_TRUE(harness.files().write(harness.path(), "text", kOwnerOnlyFile));
+    const auto listed = harness.files().list(harness.path());
+    ASSERT_FALSE(listed);
+    EXPECT_EQ(listed.error().code, ENOTDIR);
+    for (int number = 0; number < 10'000; ++number) {
+        harness.folder.write(std::to_string(number), "");
+    }
+    EXPECT_EQ(sizesIn(harness.files(), harness.folderPath()).size(), 10'001U);
 }
 
 TEST(PosixFileSystem, FolderThatIsAFileIsTold) {

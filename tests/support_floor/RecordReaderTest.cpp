@@ -4,6 +4,12 @@
 
 #include <gmock/gmock.h>
 
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
 namespace fernwick::support::testing {
 namespace {
 
@@ -205,6 +211,47 @@ TEST(RecordReader, ReadsASurrogatePairAsOneCharacter) {
 TEST(RecordReader, FindsTheEndOfTextsThatLookLikeEnds) {
     const std::vector<Note> expected{{"},{"}, {"]\\"}, {"\\\"}]"}, {""}};
     EXPECT_EQ(decodeList<Note>(R"([{"text":"},{"},{"text":"]\\"} , {"text":"\\\"}]"},{"text":""}])"), expected);
+}
+
+struct Settings {
+    std::map<std::string, std::string, std::less<>> texts;
+    std::optional<std::map<std::string, std::vector<Point>, std::less<>>> places;
+
+    bool operator==(const Settings&) const = default;
+
+    static constexpr auto fields() {
+        return std::tuple{field("texts", &Settings::texts), field("places", &Settings::places)};
+    }
+};
+
+TEST(RecordReader, ReadsARecordThatIsTheWholeText) {
+    const auto point = decodeRecord<Point>(" {\"y\":2.5,\"x\":1}\n");
+    ASSERT_TRUE(point);
+    EXPECT_EQ(*point, (Point{1, 2.5}));
+    for (const auto* text : {"", "[]", "null", "1", R"({"x":1})", R"({"x":1,"y":2}{})", R"({"x":1,"y":2},)",
+                             R"([{"x":1,"y":2}])", R"({"x":1,"y":2)"}) {
+        EXPECT_FALSE(decodeRecord<Point>(text)) << text;
+    }
+    EXPECT_EQ(decodeRecord<Point>(R"({"x":1,"y":"2"})").error().path, ".y");
+}
+
+TEST(RecordReader, ReadsAnObjectOfAnyNamesIntoAMap) {
+    const auto settings =
+        decodeRecord<Settings>(R"({"texts":{"b":"2","":"","b":"3"},"places":{"a":[{"x":1,"y":2}],"c":[]}})");
+    ASSERT_TRUE(settings);
+    EXPECT_EQ(settings->texts, (std::map<std::string, std::string, std::less<>>{{"", ""}, {"b", "3"}}));
+    ASSERT_TRUE(settings->places);
+    EXPECT_EQ(settings->places->at("a"), std::vector<Point>{(Point{1, 2})});
+    EXPECT_TRUE(settings->places->at("c").empty());
+    EXPECT_EQ(decodeRecord<Settings>(R"({"texts":{},"places":null})")->places, std::nullopt);
+}
+
+TEST(RecordReader, MapFailsAtTheMemberThatDoesNotFit) {
+    EXPECT_EQ(decodeRecord<Settings>(R"({"texts":{"a":"1","b":null}})").error().path, ".texts.b");
+    EXPECT_EQ(decodeRecord<Settings>(R"({"texts":[]})").error().path, ".texts");
+    EXPECT_EQ(decodeRecord<Settings>(R"({})").error().path, ".texts");
+    EXPECT_EQ(decodeRecord<Settings>(R"({"texts":{},"places":{"a":[{"x":1}]}})").error().path,
+              ".places.a[0].y");
 }
 
 } // namespace

@@ -64,8 +64,9 @@ private:
             return false;
         }
         const bool escape = character == '\\' && pair && std::string_view("\"`$\\").contains(next);
+        const bool percent = character == '%' && next == '%';
         argument_ += escape ? next : character;
-        return escape;
+        return escape || percent;
     }
 
     bool takeBare(char character, char next, bool pair) {

@@ -56,6 +56,10 @@ int syncFolder(const std::string& path) {
 } // namespace
 
 std::expected<std::string, int> readWholeFile(const std::string& path) {
+    return readWholeFile(path, kLargestPropertyList);
+}
+
+std::expected<std::string, int> readWholeFile(const std::string& path, std::size_t most) {
     // Not blocking, since a named pipe would otherwise wait for a writer.
     const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat found = {};
@@ -65,7 +69,7 @@ std::expected<std::string, int> readWholeFile(const std::string& path) {
     if (!S_ISREG(found.st_mode)) {
         return std::unexpected(S_ISDIR(found.st_mode) ? EISDIR : EINVAL);
     }
-    if (found.st_size > static_cast<off_t>(kLargestPropertyList)) {
+    if (found.st_size > static_cast<off_t>(most)) {
         return std::unexpected(EFBIG);
     }
     std::string bytes(static_cast<std::size_t>(found.st_size), '\0');

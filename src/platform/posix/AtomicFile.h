@@ -2,6 +2,7 @@
 // Threads: any; two writers of one file must not write at the same time in one process.
 #pragma once
 
+#include <cstddef>
 #include <expected>
 #include <string>
 #include <string_view>
@@ -10,6 +11,9 @@ namespace fernwick::platform {
 
 // The bytes of a regular file; EINVAL for anything that is not one, EFBIG beyond what a property list may have.
 [[nodiscard]] std::expected<std::string, int> readWholeFile(const std::string& path);
+
+// The same for a file of `most` bytes or fewer; EFBIG beyond.
+[[nodiscard]] std::expected<std::string, int> readWholeFile(const std::string& path, std::size_t most);
 
 struct ReplaceOptions {
     unsigned mode = 0600; // the permission bits, which the file has from its first instant
