@@ -27,7 +27,6 @@
 #include "platform/qt/QtDispatch.h"
 #include "platform/qt/QtPasteboard.h"
 #include "platform/qt/QtTrayHost.h"
-#include "portability/SyncManager.h"
 #include "routing/Routing.h"
 #include "screens/routing/ProxyRuleWindowController.h"
 #include "screens/routing/RuleEditView.h"
@@ -37,6 +36,7 @@
 #include "shell/HiddenStart.h"
 #include "shell/MainWindowScene.h"
 #include "shell/MenuBarExtra.h"
+#include "shell/SyncScene.h"
 #include "shell/WindowManager.h"
 #include "support/NotificationCenter.h"
 #include "tunnel/TunnelManager.h"
@@ -153,6 +153,17 @@ struct FernwickApp::Scene {
                      [this](QWidget* parent, const TunnelNames& names, std::optional<AppRule> rule) {
                          (new RuleEditView(routingContext, names, std::move(rule), parent))->open();
                      }),
+          sync(theme,
+               {.defaults = *defaults,
+                .dispatch = backends.dispatch,
+                .clock = backends.clock,
+                .files = backends.files,
+                .dialogs = backends.dialogs,
+                .cloud = backends.cloud,
+                .notifications = backends.notifications,
+                .host = backends.host,
+                .rules = rules},
+               store, backends.host.supportFolder() + "/Cloud"),
           settings({.theme = theme,
                     .keys = keys,
                     .tags = tags,
@@ -164,7 +175,8 @@ struct FernwickApp::Scene {
                     .files = backends.files,
                     .dispatch = backends.dispatch,
                     .clock = backends.clock,
-                    .host = backends.host}),
+                    .host = backends.host,
+                    .makeSyncPage = [this](QWidget* parent) { return sync.makePage(parent); }}),
           mainWindow({theme, store, tunnels, keys, tags, backends.notifications, backends.dispatch,
                       backends.clock, backends.host, keychain, backends.dialogs, backends.pasteboard,
                       [this](const auto& pairs) {
@@ -199,6 +211,7 @@ struct FernwickApp::Scene {
     WindowManager windows;
     RoutingContext routingContext;
     ProxyRuleWindowController proxyRules;
+    SyncScene sync;
     SettingsWindowController settings;
     MainWindowScene mainWindow;
     MenuBarExtra menuBar;

@@ -1,12 +1,11 @@
 #include "support/RelativeDate.h"
 
+#include "support/IcuTime.h"
+
 #include <unicode/calendar.h>
 #include <unicode/numfmt.h>
 #include <unicode/reldatefmt.h>
-#include <unicode/timezone.h>
-#include <unicode/unistr.h>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <utility>
@@ -24,22 +23,6 @@ constexpr std::array kUnits{
     Unit{UCAL_YEAR, UDAT_REL_UNIT_YEAR},         Unit{UCAL_MONTH, UDAT_REL_UNIT_MONTH},
     Unit{UCAL_WEEK_OF_YEAR, UDAT_REL_UNIT_WEEK}, Unit{UCAL_DATE, UDAT_REL_UNIT_DAY},
     Unit{UCAL_HOUR, UDAT_REL_UNIT_HOUR},         Unit{UCAL_MINUTE, UDAT_REL_UNIT_MINUTE}};
-
-// What a calendar can hold, in milliseconds; some hundred thousand years in both directions.
-constexpr double kFarthest = 8.64e15;
-
-UDate millisecondsOf(Date date) {
-    return std::clamp(date.secondsSinceUnixEpoch() * 1000.0, -kFarthest, kFarthest);
-}
-
-icu::Locale localeNamed(const std::string& name) {
-    return name.empty() ? icu::Locale::getDefault() : icu::Locale(name.c_str());
-}
-
-icu::TimeZone* newZone(const std::string& name) {
-    return name.empty() ? icu::TimeZone::createDefault()
-                        : icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(name));
-}
 
 } // namespace
 

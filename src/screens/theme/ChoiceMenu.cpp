@@ -34,6 +34,11 @@ void ChoiceMenu::addChoice(Icon icon, const QString& text) {
     addItem(themedIcon(theme_, icon, &Palette::secondary), text);
 }
 
+void ChoiceMenu::addChoice(const QString& text) {
+    const QScopedValueRollback guard(showing_, true);
+    addItem(text);
+}
+
 void ChoiceMenu::showChoice(int choice) {
     const QScopedValueRollback guard(showing_, true);
     setCurrentIndex(choice);

@@ -18,6 +18,9 @@ public:
     // Adds a choice at the end.
     void addChoice(Icon icon, const QString& text);
 
+    // The same without an icon.
+    void addChoice(const QString& text);
+
     // Shows a choice without calling back.
     void showChoice(int choice);
 

@@ -76,6 +76,13 @@ constexpr std::array kFiles{IconFile{Icon::plus, "plus"},
                             IconFile{Icon::keyOff, "key-off"},
                             IconFile{Icon::lockOpen, "lock-open"},
                             IconFile{Icon::exclamationCircle, "exclamation-circle"},
+                            IconFile{Icon::cloud, "cloud"},
+                            IconFile{Icon::cloudOff, "cloud-off"},
+                            IconFile{Icon::clockBack, "clock-back"},
+                            IconFile{Icon::archive, "archive"},
+                            IconFile{Icon::transfer, "transfer"},
+                            IconFile{Icon::folder, "folder"},
+                            IconFile{Icon::ellipsisCircle, "ellipsis-circle"},
                             IconFile{Icon::application, "com.fernwick.Fernwick"}};
 
 QString fileOf(Icon icon) {

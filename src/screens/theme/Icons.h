@@ -66,6 +66,13 @@ enum class Icon {
     keyOff,
     lockOpen,
     exclamationCircle,
+    cloud,
+    cloudOff,
+    clockBack,
+    archive,
+    transfer,
+    folder,
+    ellipsisCircle,
     application // the application's own mark, which keeps its colours
 };
 
