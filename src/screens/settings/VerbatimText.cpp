@@ -23,7 +23,7 @@ bool completes(const QString& text, qsizetype place) {
     return place > 0 && text[place - 1].isHighSurrogate();
 }
 
-std::string withCrLf(std::string text) {
+std::string withCrLf(const std::string& text) {
     std::string lines;
     lines.reserve(text.size() + text.size() / 32);
     for (const char each : text) {
@@ -75,7 +75,7 @@ std::string VerbatimText::bytes(QString rawText, bool endsLinesInCrLf) {
         }
     }
     auto text = rawText.toStdString();
-    return endsLinesInCrLf ? withCrLf(std::move(text)) : text;
+    return endsLinesInCrLf ? withCrLf(text) : text;
 }
 
 } // namespace fernwick
