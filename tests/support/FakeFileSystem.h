@@ -4,6 +4,7 @@
 
 #include "platform/FileSystem.h"
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <set>
@@ -48,6 +49,9 @@ public:
         return exists(path) && !unreadable.contains(path);
     }
     [[nodiscard]] std::expected<std::string, platform::FileError> read(const std::string& path) override {
+        if (onRead) {
+            onRead(path);
+        }
         const auto found = files.find(path);
         if (found == files.end()) {
             return std::unexpected(platform::FileError{2, "No such file or directory"});
@@ -101,7 +105,8 @@ public:
     std::set<std::string> unreadable;         // paths that may not be read
     std::set<std::string> broken;             // paths that may be read, and cannot be
     std::set<std::string> undeletable;
-    std::map<std::string, support::Date> modified; // when a file changed; one without is of no known date
+    std::map<std::string, support::Date> modified;  // when a file changed; one without is of no known date
+    std::function<void(const std::string&)> onRead; // called with each path that is about to be read
     std::optional<platform::FileError> writeFailure;
     std::optional<platform::FileError> folderFailure;
 };

@@ -102,8 +102,7 @@ void TagsSettingsView::remove(const support::Uuid& id) {
     if (selectedTagID_ == id) {
         selectedTagID_.reset();
     }
-    // A copy: the id may lie in what is taken out.
-    std::erase_if(tags_.tags(), [id = id](const TunnelTag& tag) { return tag.id == id; });
+    std::erase_if(tags_.tags(), [&id](const TunnelTag& tag) { return tag.id == id; });
     tags_.save();
 }
 

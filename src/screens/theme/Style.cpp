@@ -234,7 +234,7 @@ QSize Style::sizeFromContents(ContentsType type, const QStyleOption* option, con
     case CT_LineEdit:
         return {size.width() + 2 * kFieldPadding, std::max(size.height() + grid::kSmall, grid::kControlHeight)};
     case CT_SpinBox:
-        return {size.width() + 2 * grid::kLarge, std::max(size.height() + grid::kSmall, grid::kControlHeight)};
+        return {size.width() + 2 * grid::kLarge, std::max(size.height(), grid::kControlHeight)};
     case CT_ComboBox:
         return {size.width() + grid::kSmall + 2 * grid::kMedium + grid::kSmall, grid::kControlHeight};
     case CT_MenuBarItem:
