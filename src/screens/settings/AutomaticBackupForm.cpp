@@ -39,10 +39,11 @@ QString intervalText(std::int64_t hours) {
 
 AutomaticBackupForm::AutomaticBackupForm(SyncParts parts, QWidget* parent)
     : SyncForm(std::move(parts), parent) {
-    enabled_ = addSwitch(QStringLiteral("Enable automatic backups"), "enableAutoBackupSwitch", [this](bool on) {
+    enabled_ = newSwitch("enableAutoBackupSwitch", [this](bool on) {
         sync().settings().setEnableAutoBackup(on);
         sync().configureAutoBackupTimer();
     });
+    addRow(newSwitchRow(QStringLiteral("Enable automatic backups"), enabled_));
     addDivider();
     addRow(buildInterval());
     addRow(buildFolder());

@@ -19,8 +19,9 @@ BackupHistory::BackupHistory(SyncParts parts, std::function<void(const BackupEnt
     connect(disclosure_, &QAbstractButton::toggled, this, [this] { refresh(); });
     addRow(disclosure_);
     addRow(list_);
-    empty_ = addText(QStringLiteral("There are no backups in the folder."));
+    empty_ = newText(QStringLiteral("There are no backups in the folder."));
     empty_->setObjectName(QStringLiteral("noBackups"));
+    addRow(empty_);
     changed_ = sync().changed.connect([this] { refresh(); });
     refresh();
 }

@@ -159,9 +159,6 @@ void BackupListView::showEntries(const std::vector<BackupEntry>& entries) {
     const auto chosen = current.isValid() ? std::optional(model_->row(current.row()).id) : std::nullopt;
     auto rows = rowsOf(entries);
     entries_ = entries;
-    for (std::size_t place = 0; place < entries_.size(); ++place) {
-        entries_[place].id = rows[place].id;
-    }
     model_->setRows(std::move(rows));
     if (const int row = chosen ? model_->rowOf(*chosen) : -1; row >= 0 && row != list_->currentIndex().row()) {
         list_->setCurrentIndex(model_->index(row, 0));
@@ -209,11 +206,9 @@ void BackupListView::placeActions() {
 }
 
 void BackupListView::ask(const std::function<void(const BackupEntry&)>& what, const support::Uuid& id) {
-    const auto found = std::ranges::find(entries_, id, &BackupEntry::id);
-    if (found != entries_.end()) {
-        const BackupEntry entry = *found; // what is asked for may list the folder anew
-        list_->setCurrentIndex(model_->index(static_cast<int>(found - entries_.begin()), 0));
-        what(entry);
+    if (const int row = model_->rowOf(id); row >= 0) {
+        list_->setCurrentIndex(model_->index(row, 0));
+        what(BackupEntry(entries_[static_cast<std::size_t>(row)])); // a copy: the folder may be listed anew
     }
 }
 

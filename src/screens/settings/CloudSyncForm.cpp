@@ -47,13 +47,15 @@ std::string abbreviated(const std::string& path, const std::string& home) {
 } // namespace
 
 CloudSyncForm::CloudSyncForm(SyncParts parts, QWidget* parent) : SyncForm(std::move(parts), parent) {
-    enabled_ = addSwitch(QStringLiteral("Sync with iCloud"), "syncWithiCloudSwitch",
-                         [this](bool on) { sync().setSyncWithiCloud(on); });
-    addText(QStringLiteral(
-        "Syncs tunnels, tags, and key names across your Mac computers via iCloud Key-Value Store."));
+    enabled_ = newSwitch("syncWithiCloudSwitch", [this](bool on) { sync().setSyncWithiCloud(on); });
+    QWidgetList about{
+        newSwitchRow(QStringLiteral("Sync with iCloud"), enabled_),
+        newText(QStringLiteral(
+            "Syncs tunnels, tags, and key names across your Mac computers via iCloud Key-Value Store."))};
     if (!this->parts().context.cloudFolder.empty()) {
-        addRow(buildFolder());
+        about.append(buildFolder());
     }
+    addGroup(about);
     addDivider();
     addRow(buildStatus());
     push_ = newButton(QStringLiteral("Push Now"), "pushButton", [this] { push(); });
@@ -67,7 +69,7 @@ QWidget* CloudSyncForm::buildStatus() {
     auto* row = new QWidget(this);
     status_ = new IconLine(theme(), theme().font(13), row);
     status_->setObjectName(QStringLiteral("iCloudStatus"));
-    auto* again = makeIconButton(theme(), Icon::arrowClockwise, QStringLiteral("Check iCloud status"),
+    auto* again = makeIconButton(theme(), Icon::refresh, QStringLiteral("Check iCloud status"),
                                  QStringLiteral("checkStatusButton"), row);
     again->setIconSize(QSize(16, 16));
     connect(again, &QToolButton::clicked, this, [this] { sync().refreshICloudStatus(); });

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kHeight = 28;
 constexpr int kIconSize = 14;
-constexpr int kGap = 6;
+constexpr int kGap = 10;
 constexpr double kQuarterTurn = 90.0;
 
 } // namespace
@@ -28,7 +28,7 @@ DisclosureButton::DisclosureButton(const Theme& theme, QWidget* parent)
 }
 
 QSize DisclosureButton::sizeHint() const {
-    return {2 * grid::kTight + kIconSize + kGap + fontMetrics().horizontalAdvance(text()) + 1,
+    return {kIconSize + kGap + fontMetrics().horizontalAdvance(text()) + 1,
             std::max(fontMetrics().height() + grid::kTight, kHeight)};
 }
 
@@ -46,14 +46,14 @@ void DisclosureButton::paintEvent(QPaintEvent* /*event*/) {
     };
     painter.save();
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.translate(QRectF(place(QRect(grid::kTight, 0, kIconSize, height()))).center());
+    painter.translate(QRectF(place(QRect(0, 0, kIconSize, height()))).center());
     if (!isChecked()) {
         painter.rotate(mirrored ? kQuarterTurn : -kQuarterTurn);
     }
     theme_.icons().paint(painter, Icon::chevronDown, colors.secondary,
                          QRectF(-kIconSize / 2.0, -kIconSize / 2.0, kIconSize, kIconSize), kIconSize);
     painter.restore();
-    const int left = grid::kTight + kIconSize + kGap;
+    const int left = kIconSize + kGap;
     painter.setFont(font());
     painter.setPen(colors.text);
     painter.drawText(place(QRect(left, 0, width() - left, height())),

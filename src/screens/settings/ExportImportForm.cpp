@@ -17,14 +17,14 @@ QString importFailed() {
 } // namespace
 
 ExportImportForm::ExportImportForm(SyncParts parts, QWidget* parent) : SyncForm(std::move(parts), parent) {
-    addText(
-        QStringLiteral("Export all tunnels to a JSON file, or import from a previous export or .backup file."));
+    addRow(newText(QStringLiteral(
+        "Export all tunnels to a JSON file, or import from a previous export or .backup file.")));
     export_ = newButton(QStringLiteral("Export Tunnels..."), "exportButton", [this] { exportTunnels(); });
     import_ = newButton(QStringLiteral("Import Tunnels..."), "importButton", [this] { importTunnels(); });
     addButtons({export_, import_});
     addDivider();
-    addRow(makeLabel(QStringLiteral("Import from Fernwick SSH"), theme().font(13, QFont::DemiBold), this));
-    addText(QStringLiteral("Import tunnels exported from Fernwick SSH app (.fernwick files)"));
+    addGroup({makeLabel(QStringLiteral("Import from Fernwick SSH"), theme().font(13), this),
+              newText(QStringLiteral("Import tunnels exported from Fernwick SSH app (.fernwick files)"))});
     profiles_ =
         newButton(QStringLiteral("Import .fernwick..."), "importProfilesButton", [this] { importProfiles(); });
     addButtons({profiles_});

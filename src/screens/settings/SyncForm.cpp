@@ -33,22 +33,18 @@ void SyncForm::addDivider() {
     addRow(new Divider(theme(), this));
 }
 
-Switch* SyncForm::addSwitch(const QString& label, const char* objectName, std::function<void(bool)> thrown) {
-    auto* control = new Switch(theme(), this);
-    control->setObjectName(QString::fromLatin1(objectName));
-    connect(control, &QCheckBox::toggled, this, std::move(thrown));
-    addRow(new SettingRow(theme(), label, control, this));
-    return control;
+void SyncForm::addGroup(const QWidgetList& lines) {
+    auto* group = new QWidget(this);
+    auto* layout = new QVBoxLayout(group);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(grid::kTight);
+    for (auto* line : lines) {
+        layout->addWidget(line);
+    }
+    addRow(group);
 }
 
-QLabel* SyncForm::addText(const QString& text) {
-    auto* label = makeCaption(text, theme().font(12), this);
-    label->setWordWrap(true);
-    addRow(label);
-    return label;
-}
-
-QWidget* SyncForm::addButtons(std::initializer_list<QWidget*> buttons) {
+void SyncForm::addButtons(const QWidgetList& buttons) {
     auto* row = new QWidget(this);
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -58,7 +54,23 @@ QWidget* SyncForm::addButtons(std::initializer_list<QWidget*> buttons) {
     }
     layout->addStretch();
     addRow(row);
-    return row;
+}
+
+Switch* SyncForm::newSwitch(const char* objectName, std::function<void(bool)> thrown) {
+    auto* control = new Switch(theme(), this);
+    control->setObjectName(QString::fromLatin1(objectName));
+    connect(control, &QCheckBox::toggled, this, std::move(thrown));
+    return control;
+}
+
+QWidget* SyncForm::newSwitchRow(const QString& label, Switch* control) {
+    return new SettingRow(theme(), label, control, this);
+}
+
+QLabel* SyncForm::newText(const QString& text) {
+    auto* label = makeCaption(text, theme().font(12), this);
+    label->setWordWrap(true);
+    return label;
 }
 
 QPushButton* SyncForm::newButton(const QString& text, const char* objectName, std::function<void()> clicked) {

@@ -44,16 +44,15 @@ protected:
     void addRow(QWidget* row);
     void addDivider();
 
-    // A row of a label and a switch; `thrown` is called when the user throws it.
-    Switch* addSwitch(const QString& label, const char* objectName, std::function<void(bool)> thrown);
+    // Add widgets at the end: one below the other and close together, or side by side at the near side.
+    void addGroup(const QWidgetList& lines);
+    void addButtons(const QWidgetList& buttons);
 
-    // A line or more of secondary text.
-    QLabel* addText(const QString& text);
-
-    // A row of buttons at the near side.
-    QWidget* addButtons(std::initializer_list<QWidget*> buttons);
-
-    // A push button that calls back.
+    // Make children of the form that are yet to be added: a switch and a button that call back when the user
+    // uses them, a row for a switch, and a line or more of secondary text.
+    [[nodiscard]] Switch* newSwitch(const char* objectName, std::function<void(bool)> thrown);
+    [[nodiscard]] QWidget* newSwitchRow(const QString& label, Switch* control);
+    [[nodiscard]] QLabel* newText(const QString& text);
     [[nodiscard]] QPushButton* newButton(const QString& text, const char* objectName,
                                          std::function<void()> clicked);
 

@@ -83,6 +83,7 @@ constexpr std::array kFiles{IconFile{Icon::plus, "plus"},
                             IconFile{Icon::transfer, "transfer"},
                             IconFile{Icon::folder, "folder"},
                             IconFile{Icon::ellipsisCircle, "ellipsis-circle"},
+                            IconFile{Icon::refresh, "refresh"},
                             IconFile{Icon::application, "com.fernwick.Fernwick"}};
 
 QString fileOf(Icon icon) {

@@ -73,6 +73,7 @@ enum class Icon {
     transfer,
     folder,
     ellipsisCircle,
+    refresh,
     application // the application's own mark, which keeps its colours
 };
 
