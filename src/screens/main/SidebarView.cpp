@@ -56,10 +56,10 @@ SidebarView::SidebarView(const MainWindowContext& context, SidebarCallbacks call
 QWidget* SidebarView::buildToolbar() {
     auto* bar = new QWidget(this);
     bar->setFixedHeight(grid::kHeaderHeight);
-    auto* add = makeIconButton(context_.theme, Icon::plus, QStringLiteral("Add new tunnel"),
-                               QStringLiteral("addTunnelButton"), bar);
     auto* rules = makeIconButton(context_.theme, Icon::shieldNetwork, QStringLiteral("Proxies & Rules"),
                                  QStringLiteral("proxiesAndRulesButton"), bar);
+    auto* add = makeIconButton(context_.theme, Icon::plus, QStringLiteral("Add new tunnel"),
+                               QStringLiteral("addTunnelButton"), bar);
     connect(add, &QToolButton::clicked, this, [this] { callbacks_.onAdd(); });
     connect(rules, &QToolButton::clicked, this, [this] { callbacks_.onProxyRules(); });
     auto* layout = new QHBoxLayout(bar);

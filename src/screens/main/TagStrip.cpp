@@ -62,11 +62,21 @@ void TagStrip::rebuild() {
                 isSelected ? std::nullopt : std::optional(tag));
     }
     layout->addStretch();
+    orderChips();
     row->adjustSize();
     setFixedHeight(row->sizeHint().height());
     horizontalScrollBar()->setValue(scrolled);
     if (auto* chip = focusedName.isEmpty() ? nullptr : row->findChild<QWidget*>(focusedName)) {
         chip->setFocus();
+    }
+}
+
+// The keyboard comes to the chips where the strip is, not behind all that was made before them.
+void TagStrip::orderChips() {
+    QWidget* before = this;
+    for (auto* chip : widget()->findChildren<TagFilterChip*>()) {
+        setTabOrder(before, chip);
+        before = chip;
     }
 }
 

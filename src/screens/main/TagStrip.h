@@ -31,6 +31,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void orderChips();
     void addChip(const QString& label, const QString& name, bool isSelected, const QColor& color,
                  const std::optional<TunnelTag>& choice);
 
