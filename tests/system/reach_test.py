@@ -82,7 +82,7 @@ class FocusChain(RulesTest):
 
     def test_main_window_with_the_configuration(self) -> None:
         window = self.open_tunnel()
-        self.assert_all_reached(window, "Proxies & Rules", "Add new tunnel", "Search tunnels...", "Work", "Tunnels",
+        self.assert_all_reached(window, "Proxies & Rules", "Add new tunnel", "Search tunnels...", "All", "Work", "Tunnels",
                                 "Connect", "Configuration", "Tunnel Name", "Type", "Host / IP", "SSH Port", "Username",
                                 "Auth Method", "Local Port", "Remote Host", "Remote Port", "Notes")
 

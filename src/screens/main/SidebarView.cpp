@@ -32,7 +32,8 @@ SidebarView::SidebarView(const MainWindowContext& context, SidebarCallbacks call
         context.theme, QStringLiteral("Search tunnels..."), QStringLiteral("sidebarSearchField"),
         [this](const QString& text) { callbacks_.onSearch(text.toStdString()); }, this);
     strip_ = new TagStrip(
-        context.theme, [this](std::optional<TunnelTag> tag) { callbacks_.onTag(std::move(tag)); }, this);
+        context.theme, [this](std::optional<TunnelTag> tag) { callbacks_.onTag(std::move(tag)); },
+        search_->lastControl(), this);
     stripDivider_ = new Divider(context.theme, this);
 
     auto* layout = new QVBoxLayout(this);

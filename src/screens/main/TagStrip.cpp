@@ -19,8 +19,8 @@ constexpr int kTopPadding = 6;
 
 } // namespace
 
-TagStrip::TagStrip(const Theme& theme, Choose choose, QWidget* parent)
-    : QScrollArea(parent), theme_(theme), choose_(std::move(choose)) {
+TagStrip::TagStrip(const Theme& theme, Choose choose, QWidget& before, QWidget* parent)
+    : QScrollArea(parent), theme_(theme), choose_(std::move(choose)), before_(before) {
     setObjectName(QStringLiteral("tagStrip"));
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -71,9 +71,9 @@ void TagStrip::rebuild() {
     }
 }
 
-// The keyboard comes to the chips where the strip is, not behind all that was made before them.
+// Otherwise Tab would come to them behind all that was made before them.
 void TagStrip::orderChips() {
-    QWidget* before = this;
+    QWidget* before = &before_;
     for (auto* chip : widget()->findChildren<TagFilterChip*>()) {
         setTabOrder(before, chip);
         before = chip;
