@@ -218,6 +218,24 @@ TEST_F(AddEntryPopoverTest, ReturnAddsAndDoesNotSave) {
     EXPECT_TRUE(bench.store.rules().empty());
 }
 
+TEST_F(AddEntryPopoverTest, ReturnAddsAfterAButtonOfTheSheetHadTheKeyboard) {
+    popover().reject();
+    bench.find<QWidget>("cancelRuleButton").setFocus(Qt::TabFocusReason);
+    reopen();
+    turnToIP("ipInputMode:Single IP");
+    auto& field = bench.find<QLineEdit>("singleIPField");
+    for (const auto key : {Qt::Key_Return, Qt::Key_Enter}) {
+        field.setText(QStringLiteral("10.8.0"));
+        QTest::keyClick(&field, key);
+        EXPECT_EQ(error(), QStringLiteral("Invalid IP address"));
+    }
+    field.setText(QStringLiteral("10.8.0.1"));
+    QTest::keyClick(&field, Qt::Key_Return);
+    EXPECT_FALSE(isOpen());
+    EXPECT_THAT(values(), testing::ElementsAre("10.8.0.1"));
+    ASSERT_FALSE(bench.view.isNull());
+}
+
 TEST_F(AddEntryPopoverTest, EscapeClosesThePopoverFirst) {
     QTest::keyClick(&bench.find<QWidget>("manualAppField"), Qt::Key_Escape);
     bench.settle();

@@ -122,6 +122,17 @@ TEST_F(Sidebar, TheClearButtonShowsWithTextAndEmptiesIt) {
     EXPECT_EQ(search().placeholderText(), QStringLiteral("Search tunnels..."));
 }
 
+TEST_F(Sidebar, TheOnlyTunnelIsChosenByAnArrowKey) {
+    const auto only = bench.add(tunnelNamed("only"));
+    for (const auto key : {Qt::Key_Down, Qt::Key_Up, Qt::Key_Home, Qt::Key_End}) {
+        list().setFocus(Qt::TabFocusReason);
+        list().selectionModel()->clear();
+        EXPECT_FALSE(bench.state().selectedTunnelID);
+        QTest::keyClick(&list(), key);
+        EXPECT_EQ(bench.state().selectedTunnelID, only.id) << key;
+    }
+}
+
 TEST_F(Sidebar, ConnectingCountsAsActiveAndOffersStop) {
     const auto tunnel = bench.add(tunnelNamed("web"));
     bench.manager.connect(tunnel, bench.store);
@@ -240,6 +251,24 @@ TEST_F(Sidebar, ButtonsSayWhatTheyDo) {
     const auto tunnel = bench.add(tunnelNamed("web"));
     rules.click();
     EXPECT_THAT(bench.proxyRules, ElementsAre(ElementsAre(std::pair(tunnel.id, std::string("web")))));
+}
+
+TEST_F(Sidebar, TabGoesThroughItFromTheTopDown) {
+    bench.add(tunnelNamed("one"));
+    bench.tags.tags().push_back({support::Uuid::random(), "Later", "#FF0000"}); // its chip is made after the list
+    bench.tags.save();
+    bench.settle();
+    auto* first = &bench.find<QWidget>("proxiesAndRulesButton");
+    first->setFocus(Qt::TabFocusReason);
+    QStringList reached;
+    while (reached.size() < 20 && QApplication::focusWidget() != &list()) {
+        reached.append(QApplication::focusWidget()->objectName());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    ASSERT_GE(reached.size(), 5);
+    EXPECT_EQ(reached.mid(0, 4).join(QLatin1Char('|')).toStdString(),
+              "proxiesAndRulesButton|addTunnelButton|sidebarSearchField|tagChip:All");
+    EXPECT_EQ(reached.last(), QStringLiteral("tagChip:Later"));
 }
 
 TEST_F(Sidebar, ATypedSearchSurvivesAChangeOfTheCatalogue) {

@@ -11,24 +11,27 @@ from lab.wire import free_port
 from rules_case import WINDOW, RulesTest
 
 
-class Popover(RulesTest):
-    """The popover of the icon, opened as a host of the session bus does."""
+class Popover:
+    """What the popover does on any desktop with a tray."""
 
-    def setUp(self) -> None:
-        """Two tunnels with a rule each."""
-        super().setUp()
-        self.host = NotifierHost(self.session, self.desktop)
-        self.addCleanup(self.host.stop)
+    tunnels: list[stored.Record]
+    app: App
+
+    def click_icon(self) -> None:
+        """What a person does to open the popover."""
+        raise NotImplementedError
+
+    def begin_two(self) -> None:
+        """Starts the application on two tunnels with a rule each."""
         self.tunnels = [stored.tunnel(name, tunnelType=stored.SOCKS5, localPort=str(free_port()))
                         for name in ("One", "Two")]
         rules = [stored.rule(f"By {each['name']}", "Tunnel", targetHosts=[f"{each['name'].lower()}.example"],
                              tunnelID=each["id"]) for each in self.tunnels]
         self.app = self.begin(*self.tunnels, **{stored.RULES: rules})
-        self.desktop.xdotool("mousemove", 640, 10)
 
     def opened(self) -> Widget:
         """Opens the popover."""
-        self.host.activate()
+        self.click_icon()
         return self.app.find("Fernwick Menu")
 
     def assert_agree(self, popover: Widget, summary: str, *running: stored.Record) -> None:
@@ -88,6 +91,37 @@ class Popover(RulesTest):
         self.assertEqual(self.app.ended(), 0)
         self.assertEqual((pac.served(), self.rules()), ("", rules))
         self.no_child_left()
+
+
+class ByNotifier(Popover, RulesTest):
+    """The icon in a host of StatusNotifierItems on the session bus."""
+
+    def setUp(self) -> None:
+        """The host, which is there before the application."""
+        super().setUp()
+        self.host = NotifierHost(self.session, self.desktop)
+        self.addCleanup(self.host.stop)
+        self.begin_two()
+
+    def click_icon(self) -> None:
+        """The host tells the item, and the pointer is where a panel would be."""
+        self.desktop.xdotool("mousemove", 640, 10)
+        self.host.activate()
+
+
+class ByXEmbed(Popover, RulesTest):
+    """The icon in a tray of the X server."""
+
+    def setUp(self) -> None:
+        """The tray, which is there before the application."""
+        super().setUp()
+        self.tray = XTray(self.session, self.desktop)
+        self.addCleanup(self.tray.stop)
+        self.begin_two()
+
+    def click_icon(self) -> None:
+        """A click on the icon itself."""
+        self.tray.click()
 
 
 if __name__ == "__main__":

@@ -3,13 +3,15 @@
 from __future__ import annotations
 
 import subprocess
-import time
 
 from harness import SshTest, main, stored, wait_until
 from lab.app import App
 from lab.network import FAR, FAR_ADDRESS, NEAR, Network
 from lab.power import Logind
+from lab.session import sleeps
 from lab.waiting import wait_for
+
+WATCHER = "network path"
 
 
 class Roaming(SshTest):
@@ -52,6 +54,16 @@ class Roaming(SshTest):
             return done.stdout.startswith("SSH-2.0")
         wait_until(banner, "bytes come through the tunnel", deadline)
 
+    def take_route_seen(self, app: App) -> None:
+        """Takes the route away and waits until the application has noticed, which nothing in its window tells.
+
+        The thread that watches sleeps twice more then: while the change settles, and when it has been told on.
+        """
+        before = sleeps(app.pid, WATCHER)
+        self.assertGreater(before, 0, f"a thread {WATCHER!r} watches the network")
+        self.network.take_route()
+        wait_until(lambda: sleeps(app.pid, WATCHER) >= before + 2, "the route's end is noticed")
+
     def test_route_that_goes_and_returns(self) -> None:
         app, _ = self.roaming("Roamer")
         self.network.take_route()
@@ -66,8 +78,7 @@ class Roaming(SshTest):
         app, _ = self.roaming("Traveller")
         self.logind.prepare_for_sleep()
         wait_until(lambda: not app.children(), "the child is gone", 2)
-        self.network.take_route()
-        time.sleep(0.5)  # the route's end is noticed while the machine sleeps
+        self.take_route_seen(app)
         self.logind.wake()
         self.said(app, "☀️ Mac woke up. Waiting for network...")
         self.assertFalse(wait_for(app.children, 1.0), "nothing comes back")

@@ -42,7 +42,7 @@ class RulesTest(SystemTest):
         """Turns to the other tab of the window with the keyboard; the search of that tab."""
         self._reach_tabs("Rules" if tab == "Proxies" else "Proxies")
         self.keyboard.press("Left" if tab == "Proxies" else "Right")
-        return app.find(f"Search {tab.lower()}...", "text")
+        return app.find(f"Search {tab.lower()}...", "text", under=self.keyboard.window(WINDOW))
 
     def _reach_tabs(self, open_tab: str) -> None:
         """Goes to the tabs, which are called what the open one is called."""
@@ -50,7 +50,7 @@ class RulesTest(SystemTest):
 
     def rows(self, app: App, tab: str) -> list[str]:
         """The rows of a list of the window, from the top down."""
-        lists = app.all(tab, "list")
+        lists = app.all(tab, "list", under=self.keyboard.window(WINDOW))
         return [node.get_name() for node in app.all(role="list item", under=lists[0])] if lists else []
 
     def running(self, *tunnels: stored.Record) -> dict[str, str]:
@@ -73,11 +73,12 @@ class RulesTest(SystemTest):
     def assert_rules_agree(self, app: App, *names: str) -> None:
         """The file holds these rules in this order, and the window shows them as the file has them, and counts them."""
         wait_until(lambda: [rule["name"] for rule in self.rules()] == list(names), f"the file holds {names}")
-        wanted = [spoken(rule) for rule in self.rules()]
-        wait_until(lambda: self.rows(app, "Rules") == wanted, f"the window shows {wanted}, not {self.rows(app, 'Rules')}")
+        wait_until(lambda: self.rows(app, "Rules") == [spoken(rule) for rule in self.rules()],
+                   f"the window, which shows {self.rows(app, 'Rules')}, agrees with the file")
         on = sum(rule["isEnabled"] for rule in self.rules())
-        app.find(f"{on}/{len(names)} active", deadline=2.0)
-        app.find(f"Rules, {len(names)}", "page tab", deadline=2.0)
+        window = self.keyboard.window(WINDOW)
+        app.find(f"{on}/{len(names)} active", under=window)
+        app.find(f"Rules, {len(names)}", "page tab", under=window)
 
 
 def spoken(rule: stored.Record) -> str:

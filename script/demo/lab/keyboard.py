@@ -2,10 +2,18 @@
 
 from __future__ import annotations
 
-from lab.screen import Screen, Widget, active, called, controls, focused
+import subprocess
+from collections.abc import Callable
+
+from lab.desktop import Desktop
+from lab.screen import Screen, Widget, active, called, extents, focused, showing
 from lab.waiting import wait_for, wait_until
 
+Visit = Callable[[Widget], None]
+
 _PARTS = ("list item", "page tab", "table cell", "menu item")  # of a widget that has the keyboard as a whole
+_GROUPS = ("panel", "filler")
+_LONG = 50
 
 
 class Keyboard:
@@ -30,11 +38,7 @@ class Keyboard:
 
     def focus(self) -> Widget:
         """The widget that the keys go to, or nothing."""
-        for window in filter(active, self._windows()):
-            for node in controls(window):
-                if focused(node) and node.get_role_name() not in _PARTS:
-                    return node
-        return None
+        return next(filter(None, map(with_keyboard, filter(active, self._windows()))), None)
 
     def where(self) -> str:
         """What that widget is, for a person; the empty text if there is none."""
@@ -50,28 +54,37 @@ class Keyboard:
     def reach(self, name: str, role: str | None = None, key: str = "Tab") -> Widget:
         """Presses Tab until the keys go to the widget with that name and role."""
         seen: list[str] = []
-        while True:
-            node = self.focus()
-            if node is not None and called(node) == name and role in (None, node.get_role_name()):
-                return node
+        node = self.focus()
+        while node is None or called(node) != name or role not in (None, node.get_role_name()):
             assert seen.count(describe(node)) < 2, f"{name!r} is not reached by {key}; on the way were {seen}"
             seen.append(describe(node))
-            self.step(key)
+            node = self.step(node, key)
+        return node
 
-    def step(self, key: str = "Tab") -> str:
-        """Presses Tab once, waits until the keyboard is elsewhere, and says where."""
-        before = self.where()
+    def step(self, here: Widget, key: str = "Tab") -> Widget:
+        """Presses Tab once, waits until the keyboard is no longer here, and returns where it is."""
         self.press(key)
-        wait_for(lambda: self.where() != before, 1.0)
-        return self.where()
+        before, found = describe(here), here
 
-    def round(self) -> list[str]:
-        """Where Tab leads from here until it comes back."""
-        start = self.step()
-        chain = [start]
-        while (here := self.step()) != start:
-            chain.append(here)
-            assert len(chain) < 80, f"Tab does not come back to {start!r}: {chain}"
+        def moved() -> bool:
+            nonlocal found
+            found = self.focus()
+            return describe(found) != before
+        wait_for(moved, 1.0)
+        return found
+
+    def round(self, key: str = "Tab", arrive: Visit = lambda node: None, leave: Visit = lambda node: None) -> list[str]:
+        """Where the key leads from here until it comes back; each widget is visited with the keyboard on it and when it
+        has just left."""
+        here = self.step(self.focus(), key)
+        chain: list[str] = []
+        while not chain or describe(here) != chain[0]:
+            assert here is not None, f"the keyboard is nowhere after {chain}"
+            assert len(chain) < 80, f"{key} does not come back to {chain[0]!r}: {chain}"
+            chain.append(describe(here))
+            arrive(here)
+            left, here = here, self.step(here, key)
+            leave(left)
         return chain
 
     def _windows(self) -> list[Widget]:
@@ -79,6 +92,52 @@ class Keyboard:
         return [window for window in map(root.get_child_at_index, range(root.get_child_count())) if window]
 
 
+class Sight:
+    """Whether a person sees where the keyboard is: each widget must look other with it than without."""
+
+    def __init__(self, desktop: Desktop) -> None:
+        self.desktop = desktop
+        self.unseen: list[str] = []
+        self._picture = b""
+
+    def arrive(self, node: Widget) -> None:
+        """Looks at the widget that has the keyboard, once it is painted."""
+        self._picture = self._look(node)
+
+    def leave(self, node: Widget) -> None:
+        """Looks at it when the keyboard has just left, and notes one that stays as it was."""
+        if not wait_for(lambda: self._look(node) != self._picture, 1.0):
+            self.unseen.append(describe(node))
+
+    def _look(self, node: Widget) -> bytes:
+        area = extents(node)
+        crop = f"{area.width}x{area.height}+{area.x}+{area.y}"
+        return subprocess.run(["import", "-silent", "-window", "root", "-crop", crop, "-depth", "8", "rgb:-"],
+                              env=self.desktop.session.environment, check=True, capture_output=True).stdout
+
+
+def with_keyboard(node: Widget) -> Widget:
+    """The widget with the keyboard from `node` down, or nothing; long lists count as a whole."""
+    from gi.repository import GLib
+
+    try:
+        if not showing(node):
+            return None
+        if focused(node) and node.get_role_name() not in _PARTS:
+            return node
+        count = node.get_child_count()
+        if count > _LONG and node.get_role_name() == "list":
+            return None
+        below = (with_keyboard(child) for child in map(node.get_child_at_index, range(count)) if child is not None)
+        return next(filter(None, below), None)
+    except GLib.Error:  # it vanished meanwhile
+        return None
+
+
 def describe(node: Widget) -> str:
-    """A widget's name and role, and where it is if others may be called the same."""
-    return f"{called(node)} ({node.get_role_name()})" if node is not None else ""
+    """A widget's name and role, and what it is a part of if that has a name too."""
+    if node is None:
+        return ""
+    group = node.get_parent()
+    whole = group.get_name() if group is not None and group.get_role_name() in _GROUPS else ""
+    return f"{called(node)} ({node.get_role_name()})" + (f" in {whole}" if whole else "")

@@ -82,7 +82,7 @@ class Screen:
 
     def click(self, widget: Widget, button: int = 1) -> None:
         """Clicks the middle of a widget with the mouse."""
-        box = widget.get_component_iface().get_extents(_atspi().CoordType.SCREEN)
+        box = extents(widget)
         self.desktop.xdotool("mousemove", box.x + box.width // 2, box.y + box.height // 2, "click", button)
 
 
@@ -131,6 +131,11 @@ def active(node: Widget) -> bool:
     return bool(node.get_state_set().contains(_atspi().StateType.ACTIVE))
 
 
+def extents(node: Widget) -> Any:
+    """Where a widget is on the screen: x, y, width and height."""
+    return node.get_component_iface().get_extents(_atspi().CoordType.SCREEN)
+
+
 def focused(node: Widget) -> bool:
     """Whether the widget has the keyboard."""
     return bool(node.get_state_set().contains(_atspi().StateType.FOCUSED))
@@ -159,6 +164,16 @@ def selected(node: Widget) -> bool:
 def checked(node: Widget) -> bool:
     """Whether a check box or a toggle button is on."""
     return bool(node.get_state_set().contains(_atspi().StateType.CHECKED))
+
+
+def editable(node: Widget) -> bool:
+    """Whether a widget says that it can be written in."""
+    return bool(node.get_state_set().contains(_atspi().StateType.EDITABLE))
+
+
+def read_only(node: Widget) -> bool:
+    """Whether a widget says that its text is only to be read."""
+    return bool(node.get_state_set().contains(_atspi().StateType.READ_ONLY))
 
 
 def labels_of(node: Widget) -> list[str]:

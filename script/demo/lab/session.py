@@ -111,6 +111,16 @@ def program_name(pid: int) -> str | None:
         return None
 
 
+def sleeps(pid: int, thread: str) -> int:
+    """How often the thread of that name has gone to sleep of its own will; 0 when there is none."""
+    for task in Path(f"/proc/{pid}/task").iterdir():
+        with contextlib.suppress(OSError):
+            fields = dict(line.split(":\t", 1) for line in (task / "status").read_text().splitlines() if ":\t" in line)
+            if fields["Name"] == thread:
+                return int(fields["voluntary_ctxt_switches"])
+    return 0
+
+
 def alive(pid: int) -> bool:
     """Whether the process exists and is no zombie."""
     try:

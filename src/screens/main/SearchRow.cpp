@@ -65,6 +65,10 @@ void SearchRow::setText(const QString& text) {
     }
 }
 
+QWidget& SearchRow::lastControl() const {
+    return *clear_;
+}
+
 void SearchRow::focusField() {
     field_->setFocus(Qt::ShortcutFocusReason);
     field_->selectAll();

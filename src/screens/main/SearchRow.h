@@ -23,6 +23,9 @@ public:
     // Shows the text without calling back.
     void setText(const QString& text);
 
+    // The control at the row's end, which what follows in the Tab chain comes after.
+    [[nodiscard]] QWidget& lastControl() const;
+
     // Gives the field the keyboard and chooses its text.
     void focusField();
 

@@ -32,7 +32,8 @@ SidebarView::SidebarView(const MainWindowContext& context, SidebarCallbacks call
         context.theme, QStringLiteral("Search tunnels..."), QStringLiteral("sidebarSearchField"),
         [this](const QString& text) { callbacks_.onSearch(text.toStdString()); }, this);
     strip_ = new TagStrip(
-        context.theme, [this](std::optional<TunnelTag> tag) { callbacks_.onTag(std::move(tag)); }, this);
+        context.theme, [this](std::optional<TunnelTag> tag) { callbacks_.onTag(std::move(tag)); },
+        search_->lastControl(), this);
     stripDivider_ = new Divider(context.theme, this);
 
     auto* layout = new QVBoxLayout(this);
@@ -56,10 +57,10 @@ SidebarView::SidebarView(const MainWindowContext& context, SidebarCallbacks call
 QWidget* SidebarView::buildToolbar() {
     auto* bar = new QWidget(this);
     bar->setFixedHeight(grid::kHeaderHeight);
-    auto* add = makeIconButton(context_.theme, Icon::plus, QStringLiteral("Add new tunnel"),
-                               QStringLiteral("addTunnelButton"), bar);
     auto* rules = makeIconButton(context_.theme, Icon::shieldNetwork, QStringLiteral("Proxies & Rules"),
                                  QStringLiteral("proxiesAndRulesButton"), bar);
+    auto* add = makeIconButton(context_.theme, Icon::plus, QStringLiteral("Add new tunnel"),
+                               QStringLiteral("addTunnelButton"), bar);
     connect(add, &QToolButton::clicked, this, [this] { callbacks_.onAdd(); });
     connect(rules, &QToolButton::clicked, this, [this] { callbacks_.onProxyRules(); });
     auto* layout = new QHBoxLayout(bar);

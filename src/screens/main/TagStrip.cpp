@@ -19,8 +19,8 @@ constexpr int kTopPadding = 6;
 
 } // namespace
 
-TagStrip::TagStrip(const Theme& theme, Choose choose, QWidget* parent)
-    : QScrollArea(parent), theme_(theme), choose_(std::move(choose)) {
+TagStrip::TagStrip(const Theme& theme, Choose choose, QWidget& before, QWidget* parent)
+    : QScrollArea(parent), theme_(theme), choose_(std::move(choose)), before_(before) {
     setObjectName(QStringLiteral("tagStrip"));
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -62,11 +62,21 @@ void TagStrip::rebuild() {
                 isSelected ? std::nullopt : std::optional(tag));
     }
     layout->addStretch();
+    orderChips();
     row->adjustSize();
     setFixedHeight(row->sizeHint().height());
     horizontalScrollBar()->setValue(scrolled);
     if (auto* chip = focusedName.isEmpty() ? nullptr : row->findChild<QWidget*>(focusedName)) {
         chip->setFocus();
+    }
+}
+
+// Otherwise Tab would come to them behind all that was made before them.
+void TagStrip::orderChips() {
+    QWidget* before = &before_;
+    for (auto* chip : widget()->findChildren<TagFilterChip*>()) {
+        setTabOrder(before, chip);
+        before = chip;
     }
 }
 

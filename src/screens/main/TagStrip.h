@@ -18,7 +18,8 @@ public:
     // Called with the tag to filter by, or nothing to show all.
     using Choose = std::function<void(std::optional<TunnelTag>)>;
 
-    TagStrip(const Theme& theme, Choose choose, QWidget* parent);
+    // `before` is the control that Tab leads from to the first chip; it lives as long as the strip.
+    TagStrip(const Theme& theme, Choose choose, QWidget& before, QWidget* parent);
 
     // Shows these tags, in their order. Does nothing when nothing is different from what it shows.
     void setTags(const std::vector<TunnelTag>& tags, const std::optional<TunnelTag>& selected);
@@ -31,11 +32,13 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void orderChips();
     void addChip(const QString& label, const QString& name, bool isSelected, const QColor& color,
                  const std::optional<TunnelTag>& choice);
 
     const Theme& theme_;
     Choose choose_;
+    QWidget& before_;
     std::vector<TunnelTag> tags_;
     std::optional<TunnelTag> selected_;
 };

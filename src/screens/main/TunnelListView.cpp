@@ -2,6 +2,7 @@
 
 #include "screens/main/TunnelListModel.h"
 #include "screens/theme/Grid.h"
+#include "screens/theme/ListKeys.h"
 
 #include <QContextMenuEvent>
 #include <QKeyEvent>
@@ -34,6 +35,9 @@ void TunnelListView::dataChanged(const QModelIndex& topLeft, const QModelIndex& 
 }
 
 void TunnelListView::keyPressEvent(QKeyEvent* event) {
+    if (chooseFirst(*this, *event)) {
+        return;
+    }
     const bool wantsDelete = event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace;
     if (!wantsDelete || event->modifiers() != Qt::NoModifier) {
         QListView::keyPressEvent(event);

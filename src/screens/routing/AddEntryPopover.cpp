@@ -6,6 +6,7 @@
 #include "screens/theme/Parts.h"
 #include "screens/theme/SegmentedControl.h"
 
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPainter>
@@ -226,6 +227,17 @@ bool AddEntryPopover::focusNextPrevChild(bool next) {
         }
     } while (at != start);
     return false;
+}
+
+// Return presses "Add" whatever the toolkit takes for the default button: while the popover is a part of its
+// sheet, a button of the sheet that gets the keyboard takes that rank from this one for good. The other buttons
+// press themselves.
+void AddEntryPopover::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        add_->click();
+        return;
+    }
+    QDialog::keyPressEvent(event);
 }
 
 // What lies beneath is not to be clicked through the bubble.

@@ -1,6 +1,7 @@
 #include "screens/routing/RoutingListView.h"
 
 #include "screens/theme/Grid.h"
+#include "screens/theme/ListKeys.h"
 #include "screens/theme/StylePaint.h"
 
 #include <QApplication>
@@ -63,36 +64,9 @@ void RoutingListView::keyPressEvent(QKeyEvent* event) {
         endDrag();
         return;
     }
-    if (!askedByKey(*event) && !chooseFirst(*event)) {
+    if (!askedByKey(*event) && !chooseFirst(*this, *event)) {
         QListView::keyPressEvent(event);
     }
-}
-
-// The list's own answer would pass over the row at which the keyboard stands without it being chosen, or do
-// nothing at all where that is the only one.
-bool RoutingListView::chooseFirst(const QKeyEvent& event) {
-    const int rows = model()->rowCount();
-    if (selectedRow() >= 0 || rows == 0 || (event.modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier) {
-        return false;
-    }
-    const int here = std::max(currentIndex().row(), 0);
-    switch (event.key()) {
-    case Qt::Key_Up:
-    case Qt::Key_Down:
-    case Qt::Key_PageUp:
-    case Qt::Key_PageDown:
-        setCurrentIndex(model()->index(here, 0));
-        break;
-    case Qt::Key_Home:
-        setCurrentIndex(model()->index(0, 0));
-        break;
-    case Qt::Key_End:
-        setCurrentIndex(model()->index(rows - 1, 0));
-        break;
-    default:
-        return false;
-    }
-    return true;
 }
 
 bool RoutingListView::askedByKey(const QKeyEvent& event) {

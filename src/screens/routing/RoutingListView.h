@@ -52,7 +52,6 @@ private:
     };
 
     [[nodiscard]] bool askedByKey(const QKeyEvent& event);
-    [[nodiscard]] bool chooseFirst(const QKeyEvent& event);
     void openMenu(int row, QPoint where);
     [[nodiscard]] int gapAt(int y) const; // the row before which what is dropped there goes
     void paintDrag(QPainter& painter) const;

@@ -13,7 +13,7 @@ namespace {
 // The plain widget's answers look at the bounds.
 class ScrollAreaAccess final : public QAccessibleWidget {
 public:
-    explicit ScrollAreaAccess(QWidget* area) : QAccessibleWidget(area, QAccessible::Client) {}
+    explicit ScrollAreaAccess(QWidget* area) : QAccessibleWidget(area, QAccessible::Pane) {}
 };
 
 QAccessibleInterface* makeAccess(const QString& className, QObject* object) {
