@@ -1,6 +1,6 @@
 // How much of the processor the application takes while two hundred tunnels change their state once a second
-// each, with the popover and the main window open and rules that follow the tunnels. Nothing but the children,
-// the network and the desktop's settings is made up. Prints one JSON object.
+// each, with the popover and the main window open. The children are made up, and nothing is routed: what
+// routing costs is measured elsewhere. Prints one JSON object.
 #include "Application.h"
 #include "SampleCatalogue.h"
 #include "screens/menubar/MenuBarGlyph.h"
@@ -18,7 +18,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <functional>
 #include <utility>
 
 namespace fernwick {
