@@ -255,7 +255,8 @@ TEST_F(Sidebar, ButtonsSayWhatTheyDo) {
 
 TEST_F(Sidebar, TabGoesThroughItFromTheTopDown) {
     bench.add(tunnelNamed("one"));
-    bench.tags.tags().push_back({support::Uuid::random(), "Later", "#FF0000"}); // its chip is made after the list
+    bench.tags.tags().push_back(
+        {support::Uuid::random(), "Later", "#FF0000"}); // its chip is made after the list
     bench.tags.save();
     bench.settle();
     auto* first = &bench.find<QWidget>("proxiesAndRulesButton");
