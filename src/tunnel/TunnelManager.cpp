@@ -256,14 +256,12 @@ void TunnelManager::stopProcess(const support::Uuid& id) {
         });
 }
 
-// The kill comes first. An ssh without a session that is asked to end does so with status 0 (ssh's
-// clientloop.c), as though its work were done, and between the two signals it may have the time to: such a
-// tunnel would not come back.
 void TunnelManager::endAtOnce(platform::ChildProcess& process) {
-    if (const int pid = process.pid(); pid >= 1) {
+    const int pid = process.pid();
+    process.terminate();
+    if (pid >= 1) {
         services_.processes.sendSignal(pid, platform::kSignalKill);
     }
-    process.terminate();
 }
 
 std::vector<support::Uuid> TunnelManager::endAllForSleep(bool cancelPrepared) {
