@@ -5,11 +5,12 @@ from __future__ import annotations
 from harness import SystemTest, main, stored, wait_until
 from lab.app import App
 from lab.screen import Widget, walk
+from lab.settings import TITLE as SETTINGS
 from lab.tray import NotifierHost, XTray
 from lab.waiting import wait_for
 
 NO_TRAY = "this desktop has no tray"
-FOOTER = ["Proxies & Rules...", "Open Main Window", "Quit Fernwick"]
+FOOTER = ["Proxies & Rules...", "Open Main Window", "Preferences...", "Quit Fernwick"]
 
 
 class Tray(SystemTest):
@@ -62,7 +63,7 @@ class XEmbed(Tray):
             self.assertIn(text, texts)
         rows = [node.get_name() for node in walk(popover) if node.get_role_name() == "list item"]
         self.assertEqual(rows, ["One, Idle, example.com-8080", "Two, Idle, example.com-8080"])
-        self.assertNotIn("Preferences...", texts)
+        self.assertEqual([text for text in texts if text in FOOTER], FOOTER)
         self.tray.click()
         self.closed(app)
         self.assertNotIn(NO_TRAY, app.stderr())
@@ -122,6 +123,13 @@ class XEmbed(Tray):
         if app.window():
             self.desktop.xdotool("windowactivate", "--sync", app.window(), "key", "alt+F4")
         return not app.window()
+
+    def test_preferences_open_the_settings(self) -> None:
+        app = self.start_idle("One")
+        self.tray.click()
+        self.press_in(app, self.opened(app), "Preferences...")
+        self.closed(app)
+        wait_until(lambda: app.window(SETTINGS), "the settings open")
 
     def test_right_click_offers_the_menu_and_quit_ends(self) -> None:
         app = self.start_idle("One")

@@ -67,7 +67,11 @@ class Preferences:
 
     def seed(self, **lists: list[Record]) -> None:
         """Writes the file anew with lists of records, each under its key."""
-        self.path.write_bytes(plistlib.dumps({name: json.dumps(records).encode() for name, records in lists.items()}))
+        self.write({name: json.dumps(records).encode() for name, records in lists.items()})
+
+    def write(self, values: dict[str, Any]) -> None:
+        """Writes the file anew with these values."""
+        self.path.write_bytes(plistlib.dumps(values))
 
     def read(self) -> dict[str, Any]:
         """The whole file; empty when there is none."""

@@ -99,10 +99,10 @@ class SshLab:
         self.jump = self.add_server("jump", inside=inside, address=address)
         self._write_user_config()
 
-    def make_key(self, name: str, passphrase: str = "") -> Path:
+    def make_key(self, name: str, passphrase: str = "", kind: Sequence[str] = ("-t", "ed25519")) -> Path:
         """A fresh key pair, encrypted if there is a passphrase; the path of its private half."""
         path = self.folder / name
-        subprocess.run(["ssh-keygen", "-q", "-t", "ed25519", "-N", passphrase, "-C", name, "-f", path], check=True)
+        subprocess.run(["ssh-keygen", "-q", *kind, "-N", passphrase, "-C", name, "-f", path], check=True)
         return path
 
     def authorize(self, key: Path) -> None:

@@ -22,6 +22,22 @@ RadioRow::RadioRow(const Theme& theme, const QString& label, QWidget* parent)
     : QRadioButton(label, parent), theme_(theme) {
     setFont(theme.font(13));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    connect(this, &QRadioButton::toggled, this, [this] { takeTabKey(); });
+}
+
+void RadioRow::showEvent(QShowEvent* event) {
+    QRadioButton::showEvent(event);
+    takeTabKey(); // the others are there by now
+}
+
+// Tab leads to the chosen one and the arrow keys on to the others; the toolkit would lead to the first one.
+void RadioRow::takeTabKey() {
+    if (!isChecked() || parentWidget() == nullptr) {
+        return;
+    }
+    for (auto* each : parentWidget()->findChildren<RadioRow*>(Qt::FindDirectChildrenOnly)) {
+        each->setFocusPolicy(each == this ? Qt::StrongFocus : Qt::ClickFocus);
+    }
 }
 
 QSize RadioRow::sizeHint() const {

@@ -16,9 +16,12 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     [[nodiscard]] bool hitButton(const QPoint& where) const override { return rect().contains(where); }
 
 private:
+    void takeTabKey();
+
     const Theme& theme_;
 };
 

@@ -123,7 +123,6 @@ BackupListView::BackupListView(const Theme& theme, Callbacks callbacks, QWidget*
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(frame_);
-    setFocusProxy(list_);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     connect(list_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { placeActions(); });
     connect(list_->verticalScrollBar(), &QScrollBar::valueChanged, this, [this] { placeActions(); });

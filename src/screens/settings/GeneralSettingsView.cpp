@@ -13,7 +13,6 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 
-#include <algorithm>
 #include <utility>
 
 namespace fernwick {
@@ -59,16 +58,12 @@ QWidget* GeneralSettingsView::makeDisplayOptions(QWidget* parent) {
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(grid::kLarge);
     const auto stored = readPreference(context_.defaults, kShowAsOption);
-    const bool isKnown = std::ranges::find(kDisplayOptions, stored) != kDisplayOptions.end();
     for (const std::string_view option : kDisplayOptions) {
         const QString label = displayLine(option);
         auto* choice = new RadioRow(context_.theme, label, options);
         choice->setObjectName(QStringLiteral("showAs:") + label);
         choice->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
         choice->setChecked(option == stored);
-        if (isKnown && !choice->isChecked()) {
-            choice->setFocusPolicy(Qt::ClickFocus); // arrow keys lead there from the chosen one
-        }
         connect(choice, &QRadioButton::toggled, this, [this, option](bool on) {
             if (on) {
                 writePreference(context_.defaults, kShowAsOption, std::string(option));

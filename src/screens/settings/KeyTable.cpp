@@ -2,6 +2,7 @@
 
 #include "screens/settings/KeyRowDelegate.h"
 #include "screens/theme/Grid.h"
+#include "screens/theme/ListKeys.h"
 
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -122,7 +123,9 @@ void KeyTable::keyPressEvent(QKeyEvent* event) {
         callbacks_.remove();
         return;
     }
-    QTableView::keyPressEvent(event);
+    if (!chooseFirst(*this, *event)) {
+        QTableView::keyPressEvent(event);
+    }
 }
 
 void KeyTable::mousePressEvent(QMouseEvent* event) {

@@ -47,6 +47,7 @@ void SettingsView::turnTo(SettingsTab tab) {
     }
     const bool wasInPage = pages_->isAncestorOf(focusWidget());
     pages_->setCurrentWidget(page);
+    pages_->setAccessibleName(tabs_->tabText(static_cast<int>(tab))); // read when the keyboard comes there
     if (wasInPage) {
         pages_->setFocus();
     }

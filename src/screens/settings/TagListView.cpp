@@ -4,6 +4,7 @@
 #include "screens/routing/RowGround.h"
 #include "screens/theme/DisplayText.h"
 #include "screens/theme/Grid.h"
+#include "screens/theme/ListKeys.h"
 #include "screens/theme/Parts.h"
 #include "screens/theme/TagColors.h"
 
@@ -107,7 +108,6 @@ TagListView::TagListView(const Theme& theme, Callbacks callbacks, QWidget* paren
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(frame_);
-    setFocusProxy(list_);
     connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
         placeActions();
         if (!showing_) {
@@ -198,6 +198,9 @@ bool TagListView::eventFilter(QObject* watched, QEvent* event) {
         return QWidget::eventFilter(watched, event);
     }
     const auto* pressed = static_cast<QKeyEvent*>(event);
+    if (chooseFirst(*list_, *pressed)) {
+        return true;
+    }
     if ((pressed->modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier || !selectedID()) {
         return false;
     }
