@@ -21,7 +21,7 @@ public:
     [[nodiscard]] virtual std::optional<PropertyValue> value(std::string_view key) const = 0;
 
     // Replaces the value in memory at once; the file follows soon after, without the caller waiting for it. A
-    // write that fails is told on standard error and tried again with the next change.
+    // write that fails is told on standard error, and tried again with the next change and at the end.
     virtual void set(std::string_view key, PropertyValue value) = 0;
 
     // Takes the key out; does nothing if it is not there.

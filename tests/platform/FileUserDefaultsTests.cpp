@@ -265,6 +265,16 @@ TEST_F(FileUserDefaultsTest, FolderThatCannotBeMadeIsToldOnce) {
     EXPECT_EQ(errors, "[UserDefaults] " + (folder_ / "file/d.plist") + " cannot be written: Not a directory\n");
 }
 
+TEST_F(FileUserDefaultsTest, WhatCouldNotBeWrittenIsTriedOnceMoreAtTheEnd) {
+    folder_.write("a", "in the way");
+    auto defaults = open("a/d.plist");
+    const auto errors = errorsOf([&] { changeAndWait(*defaults, 1); });
+    EXPECT_NE(errors.find("cannot be written"), std::string::npos) << errors;
+    fs::remove(folder_ / "a");
+    defaults.reset();
+    EXPECT_EQ(stored("a/d.plist").size(), 1U);
+}
+
 TEST_F(FileUserDefaultsTest, LinksAreWrittenThrough) {
     fs::create_directory(folder_ / "dotfiles");
     fs::create_symlink("dotfiles/real.plist", folder_ / "d.plist");

@@ -47,7 +47,15 @@ public:
             queued_ = false;
             newest = values_;
         }
-        file_.write(newest);
+        const bool written = file_.write(newest);
+        const std::lock_guard lock(mutex_);
+        failed_ = !written;
+    }
+
+    // Whether the last write failed, so that the file lacks what was set.
+    [[nodiscard]] bool hasFailed() {
+        const std::lock_guard lock(mutex_);
+        return failed_;
     }
 
 private:
@@ -55,6 +63,7 @@ private:
     std::mutex mutex_;    // guards what follows against the serial queue
     PropertyDictionary values_;
     bool queued_ = false;
+    bool failed_ = false;
 };
 
 FileUserDefaults::FileUserDefaults(Dispatch& dispatch, std::string path)
@@ -63,7 +72,7 @@ FileUserDefaults::FileUserDefaults(Dispatch& dispatch, std::string path)
       queue_(dispatch.serialQueue("user defaults")) {}
 
 FileUserDefaults::~FileUserDefaults() {
-    writeChanges(); // the queue finishes what it holds
+    FileUserDefaults::synchronize();
 }
 
 std::optional<PropertyValue> FileUserDefaults::value(std::string_view key) const {
@@ -115,6 +124,11 @@ std::vector<std::string> FileUserDefaults::keys() const {
 void FileUserDefaults::synchronize() {
     writeChanges();
     queue_->drain();
+    if (writer_->hasFailed()) { // there may be room by now, and no other change may come
+        unwritten_ = true;
+        writeChanges();
+        queue_->drain();
+    }
 }
 
 std::unique_ptr<UserDefaults> FileUserDefaultsProvider::open(std::string_view domain) {

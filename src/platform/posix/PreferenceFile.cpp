@@ -32,20 +32,20 @@ PropertyDictionary PreferenceFile::read() {
     return std::move(std::get<PropertyDictionary>(value->value));
 }
 
-void PreferenceFile::write(const PropertyDictionary& values) {
+bool PreferenceFile::write(const PropertyDictionary& values) {
     if (state_ == State::untouchable) {
-        return;
+        return false;
     }
     const auto target = followLinks(path_);
     if (const int code = makeFolders(parentFolder(target)); code != 0) {
         tellError("cannot be written", code);
-        return;
+        return false;
     }
     if (state_ == State::unreadable && !setAside(target)) {
-        return;
+        return false;
     }
     if (isWriteProtected(target)) {
-        return;
+        return false;
     }
     if (!leftoversRemoved_) {
         leftoversRemoved_ = true;
@@ -53,7 +53,9 @@ void PreferenceFile::write(const PropertyDictionary& values) {
     }
     if (const int code = replaceFile(target, encodePropertyList(values)); code != 0) {
         tellError("cannot be written", code);
+        return false;
     }
+    return true;
 }
 
 // True once nothing unreadable stands in the way.

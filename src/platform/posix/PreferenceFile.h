@@ -20,8 +20,8 @@ public:
 
     // Replaces the file, which is on disk when this returns. A link is followed, and stays a link. The old file
     // is left whole when the new one cannot be written, when no write bit of its mode is set, or when it was
-    // unreadable and could not be set aside.
-    void write(const PropertyDictionary& values);
+    // unreadable and could not be set aside. Whether the values are in the file now.
+    bool write(const PropertyDictionary& values);
 
 private:
     enum class State { sound, unreadable, untouchable };
