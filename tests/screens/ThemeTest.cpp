@@ -129,7 +129,7 @@ TEST(Theme, TextCanBeReadOnItsGround) {
         return 0.2126 * part(color.redF()) + 0.7152 * part(color.greenF()) + 0.0722 * part(color.blueF());
     };
     const auto contrast = [&](const QColor& one, const QColor& other) {
-        const auto [dark, light] = std::minmax(luminance(one), luminance(other));
+        const auto [dark, light] = std::minmax({luminance(one), luminance(other)});
         return (light + 0.05) / (dark + 0.05);
     };
     for (const auto appearance : {Appearance::light, Appearance::dark}) {
