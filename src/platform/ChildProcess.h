@@ -12,9 +12,14 @@ namespace fernwick::platform {
 
 using Environment = std::map<std::string, std::string, std::less<>>;
 
-// The two signals that the application sends (POSIX signal numbers).
+// The signals that the application sends (signal(7)).
 inline constexpr int kSignalTerminate = 15;
 inline constexpr int kSignalKill = 9;
+#ifdef __APPLE__
+inline constexpr int kSignalStop = 17;
+#else
+inline constexpr int kSignalStop = 19;
+#endif
 
 struct LaunchError {
     int code = 0;            // the system's error number

@@ -256,8 +256,13 @@ void TunnelManager::stopProcess(const support::Uuid& id) {
         });
 }
 
+// It is stopped first, so that it has no time between the two signals: an ssh without a session that is asked
+// to end does so with status 0 (ssh's clientloop.c), as though its work were done, and would not come back.
 void TunnelManager::endAtOnce(platform::ChildProcess& process) {
     const int pid = process.pid();
+    if (pid >= 1) {
+        services_.processes.sendSignal(pid, platform::kSignalStop);
+    }
     process.terminate();
     if (pid >= 1) {
         services_.processes.sendSignal(pid, platform::kSignalKill);

@@ -42,7 +42,7 @@ void FakeChildProcess::terminate() {
     }
     ++terminations_;
     processes_.signals_.emplace_back(pid_, SIGTERM);
-    if (exitOnTerminate_) {
+    if (exitOnTerminate_ && !stopped_) {
         exitSoon(*exitOnTerminate_);
     }
 }
@@ -103,6 +103,8 @@ void FakeProcesses::sendSignal(int pid, int signal) {
     }
     if (signal == SIGKILL) {
         (*found)->exitSoon(SIGKILL);
+    } else if (signal == SIGSTOP) {
+        (*found)->stopped_ = true;
     } else if (signal == SIGTERM && (*found)->exitOnTerminate_) {
         (*found)->exitSoon(*(*found)->exitOnTerminate_);
     }

@@ -58,6 +58,7 @@ private:
     bool running_ = false;
     int terminations_ = 0;
     std::optional<int> exitOnTerminate_ = SIGTERM;
+    bool stopped_ = false; // and so deaf to all but the kill
     std::string unread_;
     bool chunkInFlight_ = false;
 };

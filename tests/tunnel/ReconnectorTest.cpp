@@ -224,14 +224,25 @@ TEST_F(ReconnectorTest, TimerLeavesAFreePortAndAnEmptyOneAlone) {
     EXPECT_EQ(world.platform.commands.requests().size(), 2U); // the connect and the timer of the first
 }
 
+// As ssh does that was asked to end and has the time to.
+TEST_F(ReconnectorTest, ChildThatWouldEndInGoodOrderIsKilledForTheSleepAllTheSame) {
+    world.processes.setExitOnTerminate(0);
+    const auto tunnel = addRetrying();
+    world.bringUp(tunnel);
+    sleep();
+    EXPECT_EQ(status(tunnel), TunnelStatus::connecting());
+    EXPECT_EQ(world.messages(tunnel).back(), "🌙 Sleep đang diễn ra, sẽ reconnect khi thức dậy.");
+}
+
 TEST_F(ReconnectorTest, SleepKillsEveryChildAtOnceAndTheExitWaitsForTheWake) {
     world.processes.setExitOnTerminate(std::nullopt);
     const auto tunnel = addRetrying();
     auto& child = world.bringUp(tunnel);
     sleep();
     EXPECT_FALSE(child.isRunning());
-    EXPECT_THAT(world.processes.signals(), ElementsAre(fakes::FakeProcesses::Signal{child.pid(), 15},
-                                                       fakes::FakeProcesses::Signal{child.pid(), 9}));
+    using Signal = fakes::FakeProcesses::Signal;
+    EXPECT_THAT(world.processes.signals(), ElementsAre(Signal{child.pid(), platform::kSignalStop},
+                                                       Signal{child.pid(), 15}, Signal{child.pid(), 9}));
     EXPECT_EQ(world.messages(tunnel).back(), "🌙 Sleep đang diễn ra, sẽ reconnect khi thức dậy.");
     EXPECT_EQ(world.line(tunnel, "🌙 Sleep")->level, LogLevel::warning);
     EXPECT_EQ(status(tunnel), TunnelStatus::connecting());

@@ -335,7 +335,7 @@ TEST(TunnelManager, QuitEndsEveryChildAtOnceAndSilently) {
     world.launch(second);
     const auto before = world.messages(first);
     world.notifications.post(platform::kApplicationWillTerminate);
-    EXPECT_EQ(world.processes.signals().size(), 4U);
+    EXPECT_EQ(world.processes.signals().size(), 6U);
     EXPECT_TRUE(world.manager.tunnelPortMap().empty());
     EXPECT_EQ(world.manager.activeProcess(first.id), nullptr);
     world.dispatch.runGlobal();
