@@ -72,7 +72,7 @@ def measure(program: str, name: str, home: pathlib.Path) -> tuple[float, int]:
         environment.pop(variable, None)
     screen = display.Display(name)
     began = time.monotonic()
-    child = subprocess.Popen([program], env=environment, stderr=subprocess.DEVNULL)
+    child = subprocess.Popen([program], env=environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     try:
         wait_for_paint(screen)
         took = (time.monotonic() - began) * 1000
