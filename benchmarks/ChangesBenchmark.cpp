@@ -40,6 +40,7 @@ public:
         return std::make_shared<Child>(dispatch_, ++pids_);
     }
     void sendSignal(int /*pid*/, int /*signal*/) override {}
+    void suspend(int /*pid*/) override {}
 
 private:
     class Child final : public platform::ChildProcess {

@@ -39,6 +39,7 @@ public:
         return std::make_shared<StandIn>(real_.makeChild(), script);
     }
     void sendSignal(int pid, int signal) override { real_.sendSignal(pid, signal); }
+    void suspend(int pid) override { real_.suspend(pid); }
 
     std::string script = "exec sleep 60";
 

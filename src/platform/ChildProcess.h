@@ -12,14 +12,9 @@ namespace fernwick::platform {
 
 using Environment = std::map<std::string, std::string, std::less<>>;
 
-// The signals that the application sends (signal(7)).
+// The two signals that the application sends by number (signal(7)).
 inline constexpr int kSignalTerminate = 15;
 inline constexpr int kSignalKill = 9;
-#ifdef __APPLE__
-inline constexpr int kSignalStop = 17;
-#else
-inline constexpr int kSignalStop = 19;
-#endif
 
 struct LaunchError {
     int code = 0;            // the system's error number
@@ -80,6 +75,10 @@ public:
     // Sends a signal to a process id; a failure (no such process, not ours) has no consequence for anyone, and
     // is dropped.
     virtual void sendSignal(int pid, int signal) = 0;
+
+    // Holds a process still until it is killed (SIGSTOP, whose number is not the same everywhere); failures as
+    // above.
+    virtual void suspend(int pid) = 0;
 };
 
 } // namespace fernwick::platform

@@ -261,7 +261,7 @@ void TunnelManager::stopProcess(const support::Uuid& id) {
 void TunnelManager::endAtOnce(platform::ChildProcess& process) {
     const int pid = process.pid();
     if (pid >= 1) {
-        services_.processes.sendSignal(pid, platform::kSignalStop);
+        services_.processes.suspend(pid);
     }
     process.terminate();
     if (pid >= 1) {

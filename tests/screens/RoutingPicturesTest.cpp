@@ -1,11 +1,11 @@
 // Pictures of every state of the window of proxies and rules and of the proxy editor, for eyes, as those of the
 // main window: in light and dark, at one and at two pixels for each of the screen's.
 #include "RoutingBench.h"
+#include "SavedPicture.h"
 #include "screens/routing/ProxiesListView.h"
 #include "screens/routing/ProxyEditView.h"
 #include "screens/routing/RadioRow.h"
 
-#include <QDir>
 #include <QMenu>
 #include <QPushButton>
 #include <QScrollArea>
@@ -21,19 +21,7 @@ protected:
 
     void save(QWidget& widget, const char* name) {
         bench.settle();
-        const QImage picture = widget.grab().toImage();
-        bool varied = false;
-        for (int y = 0; y < picture.height() && !varied; ++y) {
-            varied = picture.pixel(picture.width() / 2, y) != picture.pixel(0, 0);
-        }
-        EXPECT_TRUE(varied) << name;
-        const QString folder = QStringLiteral(FERNWICK_PICTURES);
-        const bool dark = GetParam() == Appearance::dark;
-        QDir().mkpath(folder);
-        EXPECT_TRUE(picture.save(QStringLiteral("%1/routing-%2-%3-%4x.png")
-                                     .arg(folder, QString::fromLatin1(name),
-                                          dark ? QStringLiteral("dark") : QStringLiteral("light"),
-                                          QString::number(qApp->devicePixelRatio()))));
+        savePicture(widget, "routing", name, GetParam());
     }
 
     void fill() {

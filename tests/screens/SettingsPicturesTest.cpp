@@ -1,9 +1,9 @@
 // Pictures of every tab and sheet of the settings window, for eyes, as those of the main window: in light and
 // dark, at one and at two pixels for each of the screen's.
+#include "SavedPicture.h"
 #include "SettingsBench.h"
 
 #include <QColorDialog>
-#include <QDir>
 #include <QPlainTextEdit>
 #include <gtest/gtest.h>
 
@@ -16,19 +16,7 @@ protected:
 
     void save(QWidget& widget, const char* name) {
         bench.settle();
-        const QImage picture = widget.grab().toImage();
-        bool varied = false;
-        for (int y = 0; y < picture.height() && !varied; ++y) {
-            varied = picture.pixel(picture.width() / 2, y) != picture.pixel(0, 0);
-        }
-        EXPECT_TRUE(varied) << name;
-        const QString folder = QStringLiteral(FERNWICK_PICTURES);
-        const bool dark = GetParam() == Appearance::dark;
-        QDir().mkpath(folder);
-        EXPECT_TRUE(picture.save(QStringLiteral("%1/settings-%2-%3-%4x.png")
-                                     .arg(folder, QString::fromLatin1(name),
-                                          dark ? QStringLiteral("dark") : QStringLiteral("light"),
-                                          QString::number(qApp->devicePixelRatio()))));
+        savePicture(widget, "settings", name, GetParam());
     }
 
     void saveWindow(const char* name) { save(bench.window(), name); }

@@ -1,8 +1,8 @@
 // Pictures of the page of exports, backups and the cloud in its states, for eyes, as those of the settings
 // window: in light and dark, at one and at two pixels for each of the screen's.
+#include "SavedPicture.h"
 #include "SyncBench.h"
 
-#include <QDir>
 #include <QScrollBar>
 #include <gtest/gtest.h>
 
@@ -15,19 +15,7 @@ protected:
 
     void save(QWidget& widget, const char* name) {
         bench.settle();
-        const QImage picture = widget.grab().toImage();
-        bool varied = false;
-        for (int y = 0; y < picture.height() && !varied; ++y) {
-            varied = picture.pixel(picture.width() / 2, y) != picture.pixel(0, 0);
-        }
-        EXPECT_TRUE(varied) << name;
-        const QString folder = QStringLiteral(FERNWICK_PICTURES);
-        const bool dark = GetParam() == Appearance::dark;
-        QDir().mkpath(folder);
-        EXPECT_TRUE(picture.save(QStringLiteral("%1/sync-%2-%3-%4x.png")
-                                     .arg(folder, QString::fromLatin1(name),
-                                          dark ? QStringLiteral("dark") : QStringLiteral("light"),
-                                          QString::number(qApp->devicePixelRatio()))));
+        savePicture(widget, "sync", name, GetParam());
     }
 
     // The whole page, as high as it is.

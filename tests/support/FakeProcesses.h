@@ -75,6 +75,9 @@ public:
     // Records the signal. SIGKILL ends a child of ours; SIGTERM acts as terminate() does.
     void sendSignal(int pid, int signal) override;
 
+    // Records it as SIGSTOP. A child of ours is deaf to all but the kill from then on.
+    void suspend(int pid) override { sendSignal(pid, SIGSTOP); }
+
     // Lets the next launches fail, one for each call.
     void failNextLaunch(platform::LaunchError error) { launchErrors_.push_back(std::move(error)); }
 

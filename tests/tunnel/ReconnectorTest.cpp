@@ -241,8 +241,8 @@ TEST_F(ReconnectorTest, SleepKillsEveryChildAtOnceAndTheExitWaitsForTheWake) {
     sleep();
     EXPECT_FALSE(child.isRunning());
     using Signal = fakes::FakeProcesses::Signal;
-    EXPECT_THAT(world.processes.signals(), ElementsAre(Signal{child.pid(), platform::kSignalStop},
-                                                       Signal{child.pid(), 15}, Signal{child.pid(), 9}));
+    EXPECT_THAT(world.processes.signals(),
+                ElementsAre(Signal{child.pid(), SIGSTOP}, Signal{child.pid(), 15}, Signal{child.pid(), 9}));
     EXPECT_EQ(world.messages(tunnel).back(), "🌙 Sleep đang diễn ra, sẽ reconnect khi thức dậy.");
     EXPECT_EQ(world.line(tunnel, "🌙 Sleep")->level, LogLevel::warning);
     EXPECT_EQ(status(tunnel), TunnelStatus::connecting());

@@ -60,4 +60,8 @@ void PosixProcesses::sendSignal(int pid, int signal) {
     }
 }
 
+void PosixProcesses::suspend(int pid) {
+    sendSignal(pid, SIGSTOP);
+}
+
 } // namespace fernwick::platform

@@ -41,6 +41,7 @@ public:
 
     [[nodiscard]] std::shared_ptr<ChildProcess> makeChild() override;
     void sendSignal(int pid, int signal) override;
+    void suspend(int pid) override;
 
 private:
     const ChildLauncher& launcher_;

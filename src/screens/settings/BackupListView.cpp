@@ -3,6 +3,7 @@
 #include "screens/routing/EditorFrame.h"
 #include "screens/routing/RowGround.h"
 #include "screens/settings/BackupRowActions.h"
+#include "screens/settings/RowList.h"
 #include "screens/theme/DisplayText.h"
 #include "screens/theme/Grid.h"
 
@@ -83,21 +84,6 @@ private:
     QFont factsFont_;
 };
 
-QListView* makeList(QWidget* parent) {
-    auto* list = new QListView(parent);
-    list->setObjectName(QStringLiteral("backupList"));
-    list->setAccessibleName(QStringLiteral("Backup History"));
-    list->setFrameShape(QFrame::NoFrame);
-    list->setSelectionMode(QAbstractItemView::SingleSelection);
-    list->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    list->setUniformItemSizes(true);
-    list->setMouseTracking(true);
-    list->viewport()->setAttribute(Qt::WA_Hover);
-    return list;
-}
-
 } // namespace
 
 BackupListView::BackupListView(const Theme& theme, Callbacks callbacks, QWidget* parent)
@@ -105,7 +91,7 @@ BackupListView::BackupListView(const Theme& theme, Callbacks callbacks, QWidget*
       theme_(theme),
       callbacks_(std::move(callbacks)),
       model_(new BackupListModel(this)),
-      list_(makeList(this)),
+      list_(makeRowList(QStringLiteral("backupList"), QStringLiteral("Backup History"), this)),
       frame_(new EditorFrame(theme, list_, this)),
       strip_(new QWidget(frame_)) {
     for (int set = 0; set < kActionSets; ++set) {

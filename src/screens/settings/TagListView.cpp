@@ -2,6 +2,7 @@
 
 #include "screens/routing/EditorFrame.h"
 #include "screens/routing/RowGround.h"
+#include "screens/settings/RowList.h"
 #include "screens/theme/DisplayText.h"
 #include "screens/theme/Grid.h"
 #include "screens/theme/ListKeys.h"
@@ -72,21 +73,6 @@ private:
     QFont font_;
 };
 
-QListView* makeList(QWidget* parent) {
-    auto* list = new QListView(parent);
-    list->setObjectName(QStringLiteral("tagList"));
-    list->setAccessibleName(QStringLiteral("Tags"));
-    list->setFrameShape(QFrame::NoFrame);
-    list->setSelectionMode(QAbstractItemView::SingleSelection);
-    list->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    list->setUniformItemSizes(true);
-    list->setMouseTracking(true);
-    list->viewport()->setAttribute(Qt::WA_Hover);
-    return list;
-}
-
 } // namespace
 
 QString TagRow::title() const {
@@ -98,7 +84,7 @@ TagListView::TagListView(const Theme& theme, Callbacks callbacks, QWidget* paren
       theme_(theme),
       callbacks_(std::move(callbacks)),
       model_(new TagListModel(this)),
-      list_(makeList(this)),
+      list_(makeRowList(QStringLiteral("tagList"), QStringLiteral("Tags"), this)),
       frame_(new EditorFrame(theme, list_, this)),
       actions_(buildActions()) {
     list_->setModel(model_);
