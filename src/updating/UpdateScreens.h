@@ -1,6 +1,5 @@
-// What the updater shows to the person. The screens implement it; texts reach them as they are to be shown, plain,
-// whatever a server wrote into them.
-// Threads: main thread. No call waits for an answer.
+// What the updater shows to the person. The screens implement it; texts reach them as they are to be shown,
+// plain, whatever a server wrote into them. Threads: main thread. No call waits for an answer.
 #pragma once
 
 #include <functional>
