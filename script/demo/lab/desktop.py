@@ -30,7 +30,7 @@ class Desktop:
             environment["XAUTHORITY"] = str(Path(os.environ.get("HOME", "/")) / ".Xauthority")
         if self.virtual:
             environment.pop("XAUTHORITY", None)
-            session.start(["openbox", "--sm-disable"])
+            self._start_window_manager()
         environment["DBUS_SESSION_BUS_ADDRESS"] = self._start_bus()
         # libatspi and GLib read this process's own environment when the first widget is looked for; Qt asks the bus.
         os.environ |= {name: environment[name] for name in ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR")}
@@ -61,6 +61,12 @@ class Desktop:
         self.session.start(["Xvfb", "-displayfd", str(write), "-screen", "0", "1280x800x24", "-nolisten", "tcp"],
                            pass_fds=(write,))
         return ":" + _first_line(read, write, "the X server")
+
+    def _start_window_manager(self) -> None:
+        """A window that is shown while openbox looks at what is there already can stay unmapped, so it comes first."""
+        ready = self.session.root / "window-manager-is-up"
+        self.session.start(["openbox", "--sm-disable", "--startup", f"touch '{ready}'"])
+        wait_until(ready.exists, "the window manager is up")
 
     def _start_bus(self) -> str:
         read, write = os.pipe()
