@@ -116,7 +116,7 @@ class BetweenComputers(Cloud):
         self.in_cloud(self.of_office)
         self.house.holds(self.of_office)
         self.shows(house, "Synced")
-        self.assertGreater(self.house.preferences.read()["lastSyncTS"], 0)
+        wait_until(lambda: self.house.preferences.read().get("lastSyncTS", 0) > 0, "the time of the sync is kept")
         act(house.find(ROUTING, "push button"))
         routing = self.window(house, ROUTING)
         wait_until(lambda: any("Proxy of Office" in text for text in house.texts(routing)), "the proxies follow")
@@ -144,7 +144,8 @@ class BetweenComputers(Cloud):
         self.turn(house, "Sync with iCloud")
         self.in_cloud(self.of_house)
         self.both_hold(self.of_house, self.of_house)
-        self.assertEqual([computer.preferences.read()[SYNC] for computer in (self.office, self.house)], [True, True])
+        wait_until(lambda: all(computer.preferences.read().get(SYNC) is True for computer in (self.office, self.house)),
+                   "both switches are kept")
 
     def test_turning_sync_off_and_on_again(self) -> None:
         office, house = self.begin(office=True, house=True)
