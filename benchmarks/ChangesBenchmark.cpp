@@ -1,11 +1,15 @@
 // How much of the processor the application takes while two hundred tunnels change their state once a second
-// each, with the popover and the main window open. The children are made up, and nothing is routed: what
-// routing costs is measured elsewhere. Prints one JSON object.
+// each, with the popover and the main window open and fifty rules routed. The children, the engine's service
+// and the desktop's settings are made up. Prints one JSON object.
 #include "Application.h"
 #include "SampleCatalogue.h"
+#include "routing/Routing.h"
 #include "screens/menubar/MenuBarGlyph.h"
 #include "screens/menubar/MenuBarIconView.h"
 #include "screens/menubar/MenuBarPopover.h"
+#include "support/FakeHttpClient.h"
+#include "support/FakeNetworkProxySettings.h"
+#include "support/FakeServiceControl.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -18,13 +22,18 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <functional>
+#include <string>
+#include <string_view>
 #include <utility>
 
 namespace fernwick {
 namespace {
 
 constexpr int kTunnels = 200;
+constexpr int kRules = 50;
 // A tunnel goes connecting, connected, idle: three changes in three seconds.
+constexpr const char* kEngine = "/usr/bin/mihomo";
 constexpr int kCycle = 3000;  // milliseconds
 constexpr int kPause = 300;   // between idle and connecting
 constexpr int kWarmUp = 4000; // until every tunnel has had its turn
@@ -73,13 +82,50 @@ private:
 
 struct Place : benchmarks::Machine {
     PaperProcesses processes{dispatch};
-    NoRouting routing;
+    fakes::FakeHttpClient http{dispatch};
+    fakes::FakeServiceControl service{quiet.files};
+    fakes::FakeAdministratorShell administrator;
+    fakes::FakeNetworkProxySettings settings;
+    ProxyRuleStore rules{*defaults, dispatch};
+    std::function<TunnelPortMap()> live;
+    Routing routing{{.engine = {.dispatch = dispatch,
+                                .clock = clock,
+                                .files = quiet.files,
+                                .commands = quiet.commands,
+                                .http = http,
+                                .service = service,
+                                .administrator = administrator,
+                                .host = host,
+                                .binaryCandidates = {kEngine},
+                                .bundle = {},
+                                .print = [](std::string_view /*line*/) {}},
+                     .processes = processes,
+                     .proxySettings = settings,
+                     .rules = rules,
+                     .brewCandidates = {},
+                     .tunnelPortMap = [this] { return live(); },
+                     .pacPort = 0}};
 };
+
+// Rules that lead to some of the tunnels.
+void addRules(ProxyRuleStore& rules, const std::vector<Tunnel>& tunnels) {
+    for (std::size_t number = 0; number < kRules; ++number) {
+        auto rule = AppRule::create();
+        rule.action = RuleAction::tunnel;
+        rule.tunnelID = tunnels[number].id;
+        rule.targetHosts = {"host" + std::to_string(number) + ".example"};
+        rules.addRule(rule);
+    }
+}
 
 // The application with its icon and its popover.
 struct World : Place, benchmarks::Application {
     World(Theme& theme, const std::vector<Tunnel>& added)
         : Application(theme, *this, processes, routing, added) {
+        live = [this] { return tunnels.tunnelPortMap(); };
+        quiet.files.files[kEngine] = {"program", 0755};
+        addRules(rules, added);
+        routing.setTunnelStore(store);
         auto* list = window.findChild<QListView*>(QStringLiteral("tunnelList"));
         list->setCurrentIndex(list->model()->index(1, 0)); // behind the sample
         popover.refresh();

@@ -30,18 +30,30 @@ void SystemProxyPath::start(platform::Dispatch& dispatch) {
 
 void SystemProxyPath::apply(platform::Dispatch& dispatch, std::shared_ptr<const RoutedRules> rules,
                             TunnelPortMap ports) {
-    dispatch.global(platform::Priority::background, [path = shared_from_this(), request = ++newest_,
-                                                     rules = std::move(rules), ports = std::move(ports)] {
-        const auto isNewest = [&] { return request == path->newest_; };
-        if (!isNewest()) {
-            return; // without waiting for its turn, which would hold a thread of the pool
+    {
+        const std::lock_guard lock(wishing_);
+        const bool isAsked = wish_.has_value();
+        wish_ = {.request = ++newest_, .rules = std::move(rules), .ports = std::move(ports)};
+        if (isAsked) {
+            return;
         }
-        path->takeTurn(request, [&] {
-            if (isNewest()) {
-                path->manager_.apply(buildPAC(rules->enabled, rules->proxies, ports), ports,
-                                     path->server_.pacURL());
-            }
-        });
+    }
+    dispatch.global(platform::Priority::background, [path = shared_from_this()] { path->applyWish(); });
+}
+
+void SystemProxyPath::applyWish() {
+    std::unique_lock wishing(wishing_);
+    const auto wish = std::exchange(wish_, std::nullopt);
+    wishing.unlock();
+    const auto isNewest = [&] { return wish->request == newest_; };
+    if (!isNewest()) {
+        return; // without waiting for its turn, which would hold a thread of the pool
+    }
+    takeTurn(wish->request, [&] {
+        if (isNewest()) {
+            manager_.apply(buildPAC(wish->rules->enabled, wish->rules->proxies, wish->ports), wish->ports,
+                           server_.pacURL());
+        }
     });
 }
 

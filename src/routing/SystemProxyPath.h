@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -53,6 +54,16 @@ public:
 private:
     using Request = std::uint64_t;
 
+    // What the newest call of `apply` asked for.
+    struct Wish {
+        Request request = 0;
+        std::shared_ptr<const RoutedRules> rules;
+        TunnelPortMap ports;
+    };
+
+    // Carries out what is wished for by now. Background queue; blocks.
+    void applyWish();
+
     // Runs the work unless a newer request was carried out already. One at a time.
     template <class Work>
     void takeTurn(Request request, Work work);
@@ -62,6 +73,8 @@ private:
     std::atomic<Request> newest_ = 0;
     std::mutex turn_; // guards what follows, and is held while a request is carried out
     Request done_ = 0;
+    std::mutex wishing_;       // guards what follows
+    std::optional<Wish> wish_; // while a queue is asked to carry it out
 };
 
 } // namespace fernwick

@@ -27,7 +27,7 @@ public:
     // Hands the store to the engine's manager, which comes into being with the first call. Main thread.
     virtual void setTunnelStore(TunnelStore& store) = 0;
 
-    // Plans a rebuild of the engine's configuration from these tunnels and live ports. Main thread.
+    // Plans a rebuild of the engine's configuration from these live tunnels and their ports. Main thread.
     virtual void scheduleRebuild(std::vector<Tunnel> tunnels, TunnelPortMap ports) = 0;
 
     // Rebuilds the proxy auto-config text from these live ports and the rules as they are now, and points the

@@ -5,6 +5,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace fernwick {
@@ -304,8 +306,12 @@ void TunnelManager::refreshSystemProxy(const std::optional<support::Uuid>& id,
 }
 
 void TunnelManager::refreshClashRules() {
-    auto* store = services_.routing.tunnelStore();
-    auto tunnels = store != nullptr ? store->tunnels() : std::vector<Tunnel>();
+    // The configuration knows live tunnels only, so the records of the others are not copied at each change.
+    std::vector<Tunnel> tunnels;
+    if (const auto* store = services_.routing.tunnelStore(); store != nullptr) {
+        std::ranges::copy_if(store->tunnels(), std::back_inserter(tunnels),
+                             [this](const auto& tunnel) { return tunnelPortMap_.contains(tunnel.id); });
+    }
     services_.dispatch.main([weak = self_.weak(), tunnels = std::move(tunnels)]() mutable {
         if (auto* manager = weak.get()) {
             manager->services_.routing.scheduleRebuild(std::move(tunnels), manager->tunnelPortMap_);
