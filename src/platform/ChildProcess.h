@@ -43,8 +43,9 @@ struct ProcessHandlers {
 
 // One child process. Start it once; it reports its end exactly once. Standard input is the null device;
 // standard output is a pipe that is never read, unless it is discarded. The child inherits no other descriptor,
-// and does not outlive the application. Threads: made and launched on the main thread; the other operations may
-// be called from any thread.
+// has no terminal to ask on, and does not outlive the application; what it started itself is asked to end with
+// it, unless that went into a session of its own. Threads: made and launched on the main thread; the other
+// operations may be called from any thread.
 class ChildProcess {
 public:
     // Destroying the handle neither stops the child nor waits for it; its handlers are still called.

@@ -239,8 +239,8 @@ TEST_F(PosixProcessesTest, ChildIsLaunchedOnce) {
 
 TEST_F(PosixProcessesTest, ExitDoesNotWaitForAGrandchildThatHoldsTheStream) {
     const auto child = harness_.processes().makeChild();
-    ASSERT_TRUE(
-        PosixProcessesHarness::launchScript(*child, "sleep 1000 & echo $! >&2; exit 5", told_.handlers()));
+    ASSERT_TRUE(PosixProcessesHarness::launchScript(*child, "trap '' TERM; sleep 1000 & echo $! >&2; exit 5",
+                                                    told_.handlers()));
     ASSERT_TRUE(harness_.waitUntil([&] { return told_.ended(); }));
     const auto told = told_.all();
     ASSERT_EQ(told.size(), 2U);
@@ -248,6 +248,25 @@ TEST_F(PosixProcessesTest, ExitDoesNotWaitForAGrandchildThatHoldsTheStream) {
     toKill_.push_back(grandchild);
     EXPECT_FALSE(isGone(grandchild));
     EXPECT_EQ(told[1], "X:5");
+}
+
+TEST_F(PosixProcessesTest, WhatTheChildStartedEndsWithIt) {
+    const auto child = harness_.processes().makeChild();
+    ASSERT_TRUE(PosixProcessesHarness::launchScript(*child, "sleep 1000 & echo $! >&2; exec sleep 1000",
+                                                    told_.handlers()));
+    ASSERT_TRUE(harness_.waitUntil([&] { return told_.all().size() == 1; }));
+    const int grandchild = std::stoi(told_.all()[0].substr(2));
+    toKill_.push_back(grandchild);
+    EXPECT_FALSE(isGone(grandchild));
+    child->terminate();
+    EXPECT_TRUE(harness_.waitUntil([&] { return told_.ended(); }));
+    EXPECT_TRUE(fakes::waitUntil([&] { return isGone(grandchild); }));
+}
+
+TEST_F(PosixProcessesTest, ChildLeadsASessionOfItsOwn) {
+    const auto child = sleeper();
+    toKill_.push_back(child->pid());
+    EXPECT_EQ(getsid(child->pid()), child->pid());
 }
 
 TEST_F(PosixProcessesTest, ClosedStandardErrorIsNotTheEnd) {

@@ -25,6 +25,7 @@ public:
     void watch(std::shared_ptr<RunningChild> child);
     void run();
     void stop() const;
+    void endGroups();
 
 private:
     enum Kind : std::uint64_t { process = 0, standardError = 1 };
@@ -67,6 +68,15 @@ void ChildReactor::Core::watch(std::shared_ptr<RunningChild> child) {
 
 void ChildReactor::Core::stop() const {
     eventfd_write(stop_.get(), 1);
+}
+
+void ChildReactor::Core::endGroups() {
+    const std::lock_guard lock(mutex_);
+    for (const auto& [id, child] : children_) {
+        if (!child->isReaped()) {
+            child->endGroup();
+        }
+    }
 }
 
 void ChildReactor::Core::run() {
@@ -169,6 +179,7 @@ ChildReactor::~ChildReactor() {
     if (thread_.joinable()) {
         thread_.join();
     }
+    core_->endGroups();
 }
 
 void ChildReactor::watch(std::shared_ptr<RunningChild> child) {

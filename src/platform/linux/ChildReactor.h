@@ -16,7 +16,8 @@ public:
     explicit ChildReactor(Dispatch& dispatch);
     ChildReactor(const ChildReactor&) = delete;
     ChildReactor& operator=(const ChildReactor&) = delete;
-    // Stops watching: no handler is called any more.
+    // Stops watching: no handler is called any more. The children that live are asked to end, with their
+    // groups.
     ~ChildReactor();
 
     // Calls the child's handlers from now until it has ended. Main thread.

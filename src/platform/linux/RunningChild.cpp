@@ -48,7 +48,12 @@ bool RunningChild::deliver(std::string& buffer) {
     return true;
 }
 
+void RunningChild::endGroup() const {
+    kill(-pid_, SIGTERM); // nothing happens when nobody is left
+}
+
 void RunningChild::reap() {
+    endGroup();
     status_ = reapProcess(process_);
     int held = 0;
     if (standardError_ && ioctl(standardError_.get(), FIONREAD, &held) == 0) {

@@ -31,8 +31,12 @@ public:
     // Hands over what standard error holds, at most `buffer` full. False at its end or when it held nothing.
     [[nodiscard]] bool deliver(std::string& buffer);
 
-    // Reaps the ended child, and notes how much standard error still holds; that much is handed over before the
-    // end is told, but not what a grandchild writes after it.
+    // Ends what the child left behind in its process group (SIGTERM), e.g. the way to a jump host on which ssh
+    // waits for an answer. Not after the child was reaped, when its number may be another's.
+    void endGroup() const;
+
+    // Reaps the ended child with its group, and notes how much standard error still holds; that much is handed
+    // over before the end is told, but not what a grandchild writes after it.
     void reap();
     [[nodiscard]] bool isReaped() const { return status_.has_value(); }
 

@@ -31,6 +31,7 @@ struct ChildPlan {
     int output = -1;
     int error = -1;
     int report = -1; // where the error number of a failed exec goes
+    bool ownSession = false;
 };
 
 LaunchError launchError(int code) {
@@ -42,6 +43,9 @@ LaunchError launchError(int code) {
         _exit(127);
     }
     resetSignals();
+    if (plan.ownSession) {
+        setsid();
+    }
     int code = 0;
     if (dup2(plan.input, STDIN_FILENO) < 0 || dup2(plan.output, STDOUT_FILENO) < 0 ||
         dup2(plan.error, STDERR_FILENO) < 0 ||
@@ -125,7 +129,7 @@ std::expected<LaunchedChild, LaunchError> ChildLauncher::launch(const std::strin
                                                                 const std::vector<std::string>& arguments,
                                                                 const Environment* environment,
                                                                 const std::string& workingFolder,
-                                                                ChildOutput wanted) const {
+                                                                ChildOutput wanted, ChildSession session) const {
     std::vector<std::string> words{executable};
     words.insert(words.end(), arguments.begin(), arguments.end());
     auto variables = environment != nullptr ? environmentWords(*environment) : std::vector<std::string>();
@@ -153,7 +157,8 @@ std::expected<LaunchedChild, LaunchError> ChildLauncher::launch(const std::strin
                                  .input = null.get(),
                                  .output = (wanted == ChildOutput::pipe ? output->writeEnd : null).get(),
                                  .error = error->writeEnd.get(),
-                                 .report = report->writeEnd.get()});
+                                 .report = report->writeEnd.get(),
+                                 .ownSession = session == ChildSession::own});
     if (pid < 0) {
         return std::unexpected(launchError(errno));
     }

@@ -23,6 +23,10 @@ struct LaunchedChild {
 // Where a child's standard output goes.
 enum class ChildOutput { pipe, nullDevice };
 
+// Which session a child runs in (setsid(2)): ours, whose terminal it can ask a person on, or one of its own
+// without a terminal, in which it leads a process group.
+enum class ChildSession { ours, own };
+
 class ChildLauncher {
 public:
     // Raises this process's limit of open descriptors, since each child takes three. Children get the limit
@@ -39,7 +43,7 @@ public:
     [[nodiscard]] std::expected<LaunchedChild, LaunchError>
     launch(const std::string& executable, const std::vector<std::string>& arguments,
            const Environment* environment, const std::string& workingFolder = {},
-           ChildOutput output = ChildOutput::pipe) const;
+           ChildOutput output = ChildOutput::pipe, ChildSession session = ChildSession::ours) const;
 
 private:
     rlimit startLimit_{}; // of open descriptors

@@ -16,7 +16,8 @@ std::expected<void, LaunchError> PosixChildProcess::launch(ProcessRequest reques
     }
     auto launched =
         launcher_.launch(request.executable, request.arguments, &request.environment, request.workingFolder,
-                         request.discardsOutput ? ChildOutput::nullDevice : ChildOutput::pipe);
+                         request.discardsOutput ? ChildOutput::nullDevice : ChildOutput::pipe,
+                         ChildSession::own);
     if (!launched) {
         return std::unexpected(std::move(launched.error()));
     }
