@@ -33,7 +33,12 @@ struct Home {
         platform::PropertyDictionary old;
         old.insert_or_assign("savedTunnelsData_v2", platform::PropertyValue{platform::Data(tunnels)});
         folder.write("quenby.Larkmere.plist", platform::encodePropertyList(old));
-        host.config = folder.path();
+    }
+
+    static fakes::FakeHostEnvironment hostIn(const std::string& config) {
+        fakes::FakeHostEnvironment host;
+        host.config = config;
+        return host;
     }
 
     void forget() const {
@@ -53,7 +58,7 @@ struct Home {
 
     fakes::TemporaryFolder folder;
     fakes::FakeDispatch dispatch;
-    fakes::FakeHostEnvironment host;
+    fakes::FakeHostEnvironment host = hostIn(folder.path());
     platform::FileUserDefaultsProvider provider{dispatch, host};
     platform::PosixFileSystem files;
     platform::PosixFileItems items;
@@ -80,6 +85,7 @@ void migrate(benchmark::State& state) {
         state.PauseTiming();
         if (!std::filesystem::exists(home.folder / ("Fernwick/below/" + std::to_string(size - 1)))) {
             state.SkipWithError("not everything was copied");
+            break;
         }
         home.forget();
         state.ResumeTiming();
