@@ -78,7 +78,7 @@ void MigrationManager::migrateIfNeeded() {
     copyRenamed(*old);
     copySettings(*old);
     migrateApplicationSupport();
-    // First the copies, then the mark: whoever finds the mark on disk finds what it stands for there too.
+    // First the values, then the mark: whoever finds the mark in the file finds them there too.
     services_.defaults.synchronize();
     services_.print("[Migration] ✅ Migration completed successfully!");
     finish();

@@ -200,7 +200,7 @@ TEST(FileUserDefaultsProvider, ReadingAnothersDomainTouchesNothing) {
     FileUserDefaultsProvider provider(dispatch, host);
     for (const std::string bytes : {"garbage", ""}) {
         folder.write("another.plist", bytes);
-        fs::permissions(folder / "another.plist", fs::perms{0444});
+        chmod((folder / "another.plist").c_str(), 0444);
         const auto before = fs::last_write_time(folder.path());
         const auto changed = fs::last_write_time(folder / "another.plist");
         testing::internal::CaptureStderr();
