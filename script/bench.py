@@ -103,6 +103,16 @@ def portability(report: Report, check: bool) -> None:
     report.line("restore, proxies and rules in memory included", times["restoreBackup"], "ms", 150)
 
 
+def migration(report: Report, check: bool) -> None:
+    """What the move from the predecessor costs each start, and the first one."""
+    print("The move from the predecessor, at the start")
+    times = google("migration", check, pick=min)
+    report.line("done before, 10,000 tunnels stored", times["migrationDone"], "ms", 1)
+    report.line("made: 10,000 tunnels and 10,000 files", times["migrate/10000"], "ms", 2000)
+    report.line("cost of a file among 1,000 and 10,000, dearest against cheapest",
+                spread({case: ms for case, ms in times.items() if not case.endswith("/100")}, "migrate", 2), "x", 2)
+
+
 def pac(report: Report, check: bool) -> None:
     """The PAC server and nginx under the same load, in turn."""
     print("PAC server, 64 clients at once, a connection for each request")
@@ -190,7 +200,7 @@ def start(report: Report, check: bool) -> None:
 def main(check: bool) -> int:
     """Runs everything."""
     broken: list[str] = []
-    parts = (coding, routing, portability, pac, filtering, screens, runtime, changes, tunnels, start)
+    parts = (coding, routing, portability, migration, pac, filtering, screens, runtime, changes, tunnels, start)
     for part in parts:
         for _ in range(TRIES if check else 1):
             report = Report()

@@ -42,7 +42,8 @@ public:
     }
 };
 
-// Opens domains, the application's own or a foreign one's; each is read once, when it is opened.
+// Opens the application's own domains, each of which is read once, when it is opened; and reads those of
+// others.
 class UserDefaultsProvider {
 public:
     virtual ~UserDefaultsProvider() = default;
@@ -50,6 +51,10 @@ public:
     // A domain that has no file yet is empty. A file that cannot be read is told on standard error and set
     // aside before anything is written in its place.
     [[nodiscard]] virtual std::unique_ptr<UserDefaults> open(std::string_view domain) = 0;
+
+    // What another application keeps in its domain; nothing is changed, made or set aside there. Empty when the
+    // domain has no file; absent, and told on standard error, when its file cannot be read.
+    [[nodiscard]] virtual std::optional<PropertyDictionary> read(std::string_view domain) = 0;
 };
 
 } // namespace fernwick::platform

@@ -15,6 +15,7 @@
 #include "platform/modules/LazyModule.h"
 #include "platform/posix/FileUserDefaults.h"
 #include "platform/posix/PosixCommandRunner.h"
+#include "platform/posix/PosixFileItems.h"
 #include "platform/posix/PosixFileSystem.h"
 #include "platform/posix/PosixHostEnvironment.h"
 #include "platform/posix/PosixProcesses.h"
@@ -27,6 +28,7 @@
 #include "platform/qt/QtDispatch.h"
 #include "platform/qt/QtPasteboard.h"
 #include "platform/qt/QtTrayHost.h"
+#include "portability/MigrationManager.h"
 #include "routing/Routing.h"
 #include "screens/routing/ProxyRuleWindowController.h"
 #include "screens/routing/RuleEditView.h"
@@ -46,6 +48,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 
 namespace fernwick {
 
@@ -114,13 +117,27 @@ struct FernwickApp::Backends {
     platform::FolderCloudStore cloud{dispatch, host};
     platform::AutostartEntry loginItem{files, host, QCoreApplication::applicationFilePath().toStdString()};
     platform::FileManagerDesktop desktop{host};
+
+    // The preferences, with what the predecessor left in them; what it left in files stands by then too.
+    [[nodiscard]] std::unique_ptr<platform::UserDefaults> openDefaults() {
+        auto defaults = defaultsProvider.open(kDefaultsDomain);
+        platform::PosixFileItems items;
+        const auto support = std::filesystem::path(host.supportFolder());
+        MigrationManager({.defaults = *defaults,
+                          .provider = defaultsProvider,
+                          .files = files,
+                          .items = items,
+                          .supportFolders = {support.parent_path().string()}})
+            .migrateIfNeeded();
+        return defaults;
+    }
 };
 
 // The application's state and windows, in the order in which they come to life.
 struct FernwickApp::Scene {
     Scene(QApplication& application, Backends& backends)
         : theme(application),
-          defaults(backends.defaultsProvider.open(kDefaultsDomain)),
+          defaults(backends.openDefaults()),
           rules(*defaults, backends.dispatch),
           routing({.engine = {.dispatch = backends.dispatch,
                               .clock = backends.clock,

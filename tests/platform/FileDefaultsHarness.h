@@ -5,6 +5,8 @@
 #include "support/FakeHostEnvironment.h"
 #include "support/TemporaryFolder.h"
 
+#include <filesystem>
+#include <optional>
 #include <string>
 #include <sys/stat.h>
 
@@ -21,6 +23,16 @@ public:
 
     std::unique_ptr<UserDefaults> open(std::string_view domain) {
         return FileUserDefaultsProvider(dispatching_.dispatch(), host_).open(domain);
+    }
+
+    std::optional<PropertyDictionary> read(std::string_view domain) {
+        return FileUserDefaultsProvider(dispatching_.dispatch(), host_).read(domain);
+    }
+
+    // The domain of somebody else, whose file nobody can make sense of.
+    void makeUnreadable(const std::string& domain) const {
+        std::filesystem::create_directories(host_.config);
+        folder_.write("config/" + domain + ".plist", "bplist00 and no more");
     }
 
     void setFailing(bool failing) const {

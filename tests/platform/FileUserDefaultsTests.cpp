@@ -1,6 +1,7 @@
 #include "platform/posix/FileUserDefaults.h"
 #include "platform/posix/PropertyListFile.h"
 #include "support/FakeDispatch.h"
+#include "support/FakeHostEnvironment.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -189,6 +190,31 @@ TEST_F(FileUserDefaultsTest, UnreadableFileStaysWhereItIsWithoutAChange) {
     const auto errors = errorsOf([&] { open().reset(); });
     EXPECT_NE(errors.find("cannot be read"), std::string::npos);
     EXPECT_EQ(files(), std::vector<std::string>{"d.plist"});
+}
+
+TEST(FileUserDefaultsProvider, ReadingAnothersDomainTouchesNothing) {
+    fakes::FakeDispatch dispatch;
+    fakes::FakeHostEnvironment host;
+    const fakes::TemporaryFolder folder;
+    host.config = folder.path();
+    FileUserDefaultsProvider provider(dispatch, host);
+    for (const std::string bytes : {"garbage", ""}) {
+        folder.write("another.plist", bytes);
+        chmod((folder / "another.plist").c_str(), 0444);
+        const auto before = fs::last_write_time(folder.path());
+        const auto changed = fs::last_write_time(folder / "another.plist");
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(provider.read("another"), std::nullopt);
+        EXPECT_NE(testing::internal::GetCapturedStderr().find("cannot be read"), std::string::npos);
+        EXPECT_EQ(folder.read("another.plist"), bytes);
+        EXPECT_EQ(modeOf(folder / "another.plist"), 0444U);
+        EXPECT_EQ(fs::last_write_time(folder / "another.plist"), changed);
+        EXPECT_EQ(fs::last_write_time(folder.path()), before); // nothing beside it either
+        fs::remove(folder / "another.plist");
+    }
+    host.config = folder / "missing";
+    EXPECT_EQ(FileUserDefaultsProvider(dispatch, host).read("another"), PropertyDictionary());
+    EXPECT_FALSE(fs::exists(host.config));
 }
 
 TEST_F(FileUserDefaultsTest, FolderInItsPlaceIsSetAside) {

@@ -13,7 +13,8 @@
 
 namespace fernwick::platform {
 
-// `Harness` has open(domain) and setFailing(bool), which makes writing impossible.
+// `Harness` has open(domain), read(domain), makeUnreadable(domain), and setFailing(bool), which makes writing
+// impossible.
 template <class Harness>
 class UserDefaultsContract : public testing::Test {
 protected:
@@ -103,6 +104,23 @@ TYPED_TEST_P(UserDefaultsContract, DomainsAreApart) {
     EXPECT_TRUE(this->harness_.open("com.example.Other")->keys().empty());
 }
 
+TYPED_TEST_P(UserDefaultsContract, DomainOfAnotherIsReadWhole) {
+    const auto values = everyKindOfValue();
+    {
+        const auto theirs = this->open();
+        for (const auto& [key, value] : values) {
+            theirs->set(key, value);
+        }
+    }
+    EXPECT_EQ(this->harness_.read("com.example.Contract"), values);
+}
+
+TYPED_TEST_P(UserDefaultsContract, MissingDomainOfAnotherIsEmptyAndAnUnreadableOneAbsent) {
+    EXPECT_EQ(this->harness_.read("com.example.Contract"), PropertyDictionary());
+    this->harness_.makeUnreadable("com.example.Contract");
+    EXPECT_EQ(this->harness_.read("com.example.Contract"), std::nullopt);
+}
+
 TYPED_TEST_P(UserDefaultsContract, FailedWriteKeepsMemoryAndIsMadeUpForByTheNextChange) {
     const auto defaults = this->open();
     defaults->set("first", {true});
@@ -121,6 +139,7 @@ TYPED_TEST_P(UserDefaultsContract, FailedWriteKeepsMemoryAndIsMadeUpForByTheNext
 REGISTER_TYPED_TEST_SUITE_P(UserDefaultsContract, NewDomainIsEmpty, ValuesAreThereAtOnceAndKeysAreSorted,
                             DataIsAbsentForOtherTypes, EveryKindOfValueSurvivesTheApplication,
                             SynchronizedValuesAreThereForTheNextStart, DomainsAreApart,
+                            DomainOfAnotherIsReadWhole, MissingDomainOfAnotherIsEmptyAndAnUnreadableOneAbsent,
                             FailedWriteKeepsMemoryAndIsMadeUpForByTheNextChange);
 
 } // namespace fernwick::platform

@@ -9,6 +9,8 @@ namespace {
 
 struct FakeDefaultsHarness {
     std::unique_ptr<UserDefaults> open(std::string_view domain) { return provider.open(domain); }
+    std::optional<PropertyDictionary> read(std::string_view domain) { return provider.read(domain); }
+    void makeUnreadable(const std::string& domain) { provider.disk().unreadable.insert(domain); }
     void setFailing(bool failing) { provider.disk().failing = failing; }
     fakes::FakeUserDefaultsProvider provider;
 };

@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -15,7 +17,8 @@ namespace fernwick::fakes {
 // What is left when the application is gone: the values of every domain.
 struct FakeDisk {
     std::map<std::string, platform::PropertyDictionary, std::less<>> domains;
-    bool failing = false; // full, or not to be written: what is set stays in memory
+    std::set<std::string, std::less<>> unreadable; // domains of others whose files cannot be read
+    bool failing = false;                          // full, or not to be written: what is set stays in memory
     std::size_t writes = 0;
     std::size_t failedWrites = 0;
 };
@@ -58,6 +61,14 @@ public:
 
     [[nodiscard]] std::unique_ptr<platform::UserDefaults> open(std::string_view domain) override {
         return std::make_unique<FakeUserDefaults>(disk_, std::string(domain));
+    }
+
+    [[nodiscard]] std::optional<platform::PropertyDictionary> read(std::string_view domain) override {
+        if (disk_->unreadable.contains(domain)) {
+            return std::nullopt;
+        }
+        const auto found = disk_->domains.find(domain);
+        return found != disk_->domains.end() ? found->second : platform::PropertyDictionary();
     }
 
     [[nodiscard]] FakeDisk& disk() { return *disk_; }

@@ -132,7 +132,17 @@ void FileUserDefaults::synchronize() {
 }
 
 std::unique_ptr<UserDefaults> FileUserDefaultsProvider::open(std::string_view domain) {
-    return std::make_unique<FileUserDefaults>(dispatch_, folder_ + "/" + std::string(domain) + ".plist");
+    return std::make_unique<FileUserDefaults>(dispatch_, fileOf(domain));
+}
+
+std::optional<PropertyDictionary> FileUserDefaultsProvider::read(std::string_view domain) {
+    PreferenceFile file(fileOf(domain));
+    auto values = file.read();
+    return file.isReadable() ? std::optional(std::move(values)) : std::nullopt;
+}
+
+std::string FileUserDefaultsProvider::fileOf(std::string_view domain) const {
+    return folder_ + "/" + std::string(domain) + ".plist";
 }
 
 } // namespace fernwick::platform

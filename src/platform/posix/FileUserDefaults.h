@@ -50,8 +50,11 @@ public:
         : dispatch_(dispatch), folder_(host.configFolder()) {}
 
     [[nodiscard]] std::unique_ptr<UserDefaults> open(std::string_view domain) override;
+    [[nodiscard]] std::optional<PropertyDictionary> read(std::string_view domain) override;
 
 private:
+    [[nodiscard]] std::string fileOf(std::string_view domain) const;
+
     Dispatch& dispatch_;
     const std::string folder_;
 };

@@ -18,6 +18,9 @@ public:
     // property list with a dictionary on top, counts as empty and is set aside by the first write.
     [[nodiscard]] PropertyDictionary read();
 
+    // Whether nothing unreadable was found, nor is still in the way of a write.
+    [[nodiscard]] bool isReadable() const { return state_ == State::sound; }
+
     // Replaces the file, which is on disk when this returns. A link is followed, and stays a link. The old file
     // is left whole when the new one cannot be written, when no write bit of its mode is set, or when it was
     // unreadable and could not be set aside. Whether the values are in the file now.
