@@ -67,6 +67,7 @@ def measure(program: str, name: str, home: pathlib.Path) -> tuple[float, int]:
         "XDG_DATA_HOME": str(home / "data"),
         "XDG_RUNTIME_DIR": str(home / "run"),
         "QT_QPA_PLATFORM": "xcb",
+        "FERNWICK_UPDATE_URL": "http://127.0.0.1:9",  # refuses
     }
     for variable in ("DBUS_SESSION_BUS_ADDRESS", "QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "WAYLAND_DISPLAY"):
         environment.pop(variable, None)

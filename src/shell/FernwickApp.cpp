@@ -39,6 +39,7 @@
 #include "shell/MainWindowScene.h"
 #include "shell/MenuBarExtra.h"
 #include "shell/SyncScene.h"
+#include "shell/UpdateScene.h"
 #include "shell/WindowManager.h"
 #include "support/NotificationCenter.h"
 #include "tunnel/TunnelManager.h"
@@ -181,6 +182,14 @@ struct FernwickApp::Scene {
                 .host = backends.host,
                 .rules = rules},
                store, backends.host.supportFolder() + "/Cloud"),
+          updates(theme,
+                  {.dispatch = backends.dispatch,
+                   .http = backends.http,
+                   .files = backends.files,
+                   .commands = backends.commands,
+                   .administrator = backends.administrator,
+                   .host = backends.host},
+                  [this](const std::string& text) { settings.showUpdateOutcome(text); }),
           settings({.theme = theme,
                     .keys = keys,
                     .tags = tags,
@@ -193,7 +202,9 @@ struct FernwickApp::Scene {
                     .dispatch = backends.dispatch,
                     .clock = backends.clock,
                     .host = backends.host,
-                    .makeSyncPage = [this](QWidget* parent) { return sync.makePage(parent); }}),
+                    .checkForUpdates = [this] { updates.check(false); },
+                    .makeSyncPage = [this](QWidget* parent) { return sync.makePage(parent); },
+                    .bundleVersion = [this] { return updates.version(); }}),
           mainWindow({theme, store, tunnels, keys, tags, backends.notifications, backends.dispatch,
                       backends.clock, backends.host, keychain, backends.dialogs, backends.pasteboard,
                       [this](const auto& pairs) {
@@ -213,7 +224,9 @@ struct FernwickApp::Scene {
                     .openMainWindow = [this] { windows.openMainWindow(); },
                     .openSettings = [this] { settings.show(); },
                     .quit = [] { QCoreApplication::quit(); }}},
-                  backends.tray) {}
+                  backends.tray) {
+        delegate.setUpdateCheck([this] { updates.check(true); });
+    }
 
     Theme theme;
     std::unique_ptr<platform::UserDefaults> defaults;
@@ -229,6 +242,7 @@ struct FernwickApp::Scene {
     RoutingContext routingContext;
     ProxyRuleWindowController proxyRules;
     SyncScene sync;
+    UpdateScene updates;
     SettingsWindowController settings;
     MainWindowScene mainWindow;
     MenuBarExtra menuBar;

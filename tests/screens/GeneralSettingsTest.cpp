@@ -4,6 +4,7 @@
 #include "screens/main/AddTunnelSheet.h"
 #include "screens/routing/RadioRow.h"
 #include "screens/settings/GeneralPreferences.h"
+#include "screens/theme/LongTextView.h"
 #include "screens/theme/Switch.h"
 #include "screens/theme/TextField.h"
 
@@ -168,14 +169,32 @@ TEST_F(General, CheckUpdateAsksAndShowsWhatComesBack) {
     EXPECT_EQ(bench.updateChecks, 1);
     const QString outcome =
         QStringLiteral("New <b>version</b> 4\n\nnotes\n\nWould you like to download and install it now?");
-    bench.controller.showUpdateOutcome(outcome);
+    bench.controller.showUpdateOutcome(outcome.toStdString());
     bench.settle();
     auto& label = bench.find<QLabel>("updateOutcome");
     EXPECT_TRUE(label.isVisible());
     EXPECT_EQ(label.text(), outcome);
     EXPECT_EQ(label.textFormat(), Qt::PlainText);
-    bench.controller.showUpdateOutcome(QString());
+    bench.controller.showUpdateOutcome("");
     EXPECT_FALSE(label.isVisible());
+}
+
+TEST_F(General, AnOutcomeOfAnyLengthScrollsInItsPlace) {
+    bench.open();
+    const auto size = bench.window().size();
+    const std::string text = "New version 4 is available.\n\n" + std::string(3'000'000, 'x') + "\u0001<b>\r\n";
+    bench.controller.showUpdateOutcome(text);
+    bench.settle();
+    auto& view = bench.find<LongTextView>("longUpdateOutcome");
+    EXPECT_TRUE(view.isVisible());
+    EXPECT_EQ(view.height(), 160);
+    EXPECT_LE(view.width(), size.width());
+    EXPECT_FALSE(bench.find<QLabel>("updateOutcome").isVisible());
+    EXPECT_EQ(bench.window().size(), size);
+    EXPECT_EQ(bench.aloud("longUpdateOutcome"), "Application Update");
+    bench.controller.showUpdateOutcome("short");
+    EXPECT_FALSE(view.isVisible());
+    EXPECT_TRUE(bench.find<QLabel>("updateOutcome").isVisible());
 }
 
 TEST_F(General, CheckUpdateDoesNothingWhereNobodyChecks) {
@@ -187,13 +206,12 @@ TEST_F(General, CheckUpdateDoesNothingWhereNobodyChecks) {
 }
 
 TEST_F(General, TellsTheVersion) {
-    EXPECT_TRUE(QCoreApplication::applicationVersion().isEmpty());
+    bench.version = std::nullopt;
     bench.open();
     EXPECT_EQ(bench.text("versionText"), "Version Unknown");
     bench.window().close();
-    QCoreApplication::setApplicationVersion(QStringLiteral("3.1.0"));
+    bench.version = "3.1.0";
     bench.open();
-    QCoreApplication::setApplicationVersion(QString());
     EXPECT_EQ(bench.text("versionText"), "Version 3.1.0");
 }
 

@@ -187,6 +187,25 @@ TEST_P(Pictures, SelectedWithLog) {
     save(*bench.window, "error");
 }
 
+TEST_P(Pictures, RetriesInTheLog) {
+    open();
+    addFour();
+    bench.manager.logs().clear(tunnels[0].id);
+    choose(0);
+    turnTo("logsTabButton");
+    auto& first = *bench.processes.launched().front();
+    first.emitStandardError("client_loop: send disconnect: Broken pipe\n");
+    first.exit(255);
+    bench.settle();
+    bench.dispatch.advance(Reconnector::kReconnectDelay);
+    bench.processes.last().emitStandardError(
+        "ssh: connect to host db1.internal.example.com port 22: No route to host\n");
+    bench.settle();
+    bench.processes.last().exit(255);
+    bench.settle();
+    save(*bench.window, "retrying");
+}
+
 TEST_P(Pictures, NoLog) {
     open();
     addFour();

@@ -52,7 +52,8 @@ struct SettingsBench {
                 [this](QWidget* parent) {
                     ++syncPages;
                     return new QLabel(QStringLiteral("sync"), parent);
-                }};
+                },
+                [this] { return version; }};
     }
 
     SettingsWindow& open(SettingsTab tab = SettingsTab::general) {
@@ -168,6 +169,7 @@ struct SettingsBench {
     fakes::FakeDialogs panels;
     fakes::FakeFileSystem files;
     Theme theme;
+    std::optional<std::string> version = "3.1.0";
     int updateChecks = 0;
     int syncPages = 0;
     SettingsWindowController controller{context()};

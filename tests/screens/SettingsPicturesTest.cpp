@@ -37,16 +37,14 @@ protected:
 };
 
 TEST_P(SettingsPictures, General) {
-    QCoreApplication::setApplicationVersion(QStringLiteral("3.1.0"));
     bench.open();
     saveWindow("general");
     bench.find<QWidget>("settingsTabs").setFocus(Qt::TabFocusReason);
-    bench.controller.showUpdateOutcome(QStringLiteral(
+    bench.controller.showUpdateOutcome(
         "New version 3.2.0 is available.\n\nFixes the popover on two screens.\n\nWould you like to download "
-        "and install it now?"));
+        "and install it now?");
     saveWindow("general-outcome");
     saveSmallest("general-smallest");
-    QCoreApplication::setApplicationVersion(QString());
 }
 
 TEST_P(SettingsPictures, Identity) {
@@ -93,6 +91,9 @@ TEST_P(SettingsPictures, KnownHosts) {
     bench.click("reloadKnownHostsButton");
     bench.find<QWidget>("knownHostsEditor").setFocus();
     saveWindow("hosts");
+    bench.files.files[SettingsBench::kKnownHosts] = {text.substr(0, text.find("host5.")), 0600};
+    bench.click("reloadKnownHostsButton");
+    saveWindow("hosts-few");
     bench.click("saveKnownHostsButton");
     saveWindow("hosts-saved");
     bench.files.writeFailure = platform::FileError{28, "No space left on device"};

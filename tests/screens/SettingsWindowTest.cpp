@@ -75,7 +75,7 @@ TEST_F(Settings, AClosedWindowIsForgotten) {
     EXPECT_EQ(bench.controller.window(), nullptr);
     bench.settle();
     EXPECT_TRUE(first.isNull());
-    bench.controller.showUpdateOutcome(QStringLiteral("late")); // nobody is there
+    bench.controller.showUpdateOutcome("late"); // nobody is there
     bench.controller.show();
     EXPECT_EQ(view().selectedTab(), SettingsTab::general);
 }

@@ -172,5 +172,14 @@ TEST(DisplayLine, IsOneShortLine) {
     EXPECT_EQ(displayLine(""), QString());
 }
 
+TEST(Theme, MakesSeveralLinesOfWhatOthersWrote) {
+    EXPECT_EQ(displayText("a\nb\r\nc\rd\te"), QStringLiteral("a\nb\nc\nd\te"));
+    EXPECT_EQ(displayText("a\u2028b\u2029c\u0085d\fe\vf"), QStringLiteral("a\nb\nc\nd\ne\nf"));
+    EXPECT_EQ(displayText(std::string_view("a\0b\x1B[31m\u007F", 9)), QStringLiteral("a b [31m "));
+    EXPECT_EQ(displayText("\u202Egpj.exe\u2066\uFDD0\uFFFF"), QStringLiteral("gpj.exe  "));
+    EXPECT_EQ(displayText("<b>&amp;</b>\xff \U0001F680"), QStringLiteral("<b>&amp;</b>\uFFFD \U0001F680"));
+    EXPECT_EQ(displayText(std::string(100'000, 'x')).size(), 100'000);
+}
+
 } // namespace
 } // namespace fernwick::tests

@@ -21,6 +21,7 @@ from lab.waiting import wait_until
 MARKER = "FERNWICK_LAB"
 # Without capabilities file permissions hold for a program even when root runs it.
 POWERLESS = ["setpriv", "--inh-caps=-all", "--ambient-caps=-all", "--bounding-set=-all", "--"]
+NOWHERE = "http://127.0.0.1:9"  # an address that refuses every connection
 _KEPT = ("PATH", "USER", "LOGNAME", "XAUTHORITY")
 
 
@@ -53,6 +54,7 @@ class Session:
         return kept | {name: str(folder) for name, folder in folders.items()} | {
             MARKER: self.mark,
             "LANG": "C.UTF-8",
+            "FERNWICK_UPDATE_URL": NOWHERE,  # no run asks the maker's server
             "DBUS_SESSION_BUS_ADDRESS": f"unix:path={self.run}/no-bus",
             "DBUS_SYSTEM_BUS_ADDRESS": f"unix:path={self.run}/no-bus",
         }

@@ -5,10 +5,10 @@
 #include "screens/settings/SettingRow.h"
 #include "screens/theme/Announcement.h"
 #include "screens/theme/DisplayText.h"
+#include "screens/theme/LongTextView.h"
 #include "screens/theme/Switch.h"
 #include "screens/theme/TextField.h"
 
-#include <QCoreApplication>
 #include <QGridLayout>
 #include <QPushButton>
 #include <QSignalBlocker>
@@ -21,10 +21,11 @@ namespace {
 
 constexpr int kPortWidth = 70;
 constexpr int kMarkSize = 30;
+constexpr int kLongOutcomeHeight = 160;
 
-QString versionText() {
-    const QString version = QCoreApplication::applicationVersion();
-    return QStringLiteral("Version ") + (version.isEmpty() ? QStringLiteral("Unknown") : version);
+QString versionText(const SettingsContext& context) {
+    const auto version = context.bundleVersion ? context.bundleVersion() : std::nullopt;
+    return QStringLiteral("Version ") + (version ? displayLine(*version) : QStringLiteral("Unknown"));
 }
 
 } // namespace
@@ -113,12 +114,18 @@ void GeneralSettingsView::addUpdate() {
     outcome_->setWordWrap(true);
     outcome_->hide();
     section.addRow(outcome_);
+    longOutcome_ = new LongTextView(context_.theme, section.card());
+    longOutcome_->setObjectName(QStringLiteral("longUpdateOutcome"));
+    longOutcome_->setAccessibleName(QStringLiteral("Application Update"));
+    longOutcome_->setFixedHeight(kLongOutcomeHeight);
+    longOutcome_->hide();
+    section.addRow(longOutcome_);
 }
 
 void GeneralSettingsView::addAbout() {
     auto& section = *addSection(QStringLiteral("About"), Icon::infoCircle, grid::kMedium);
     auto* row = new QWidget(section.card());
-    auto* version = makeCaption(versionText(), context_.theme.font(12), row);
+    auto* version = makeCaption(versionText(context_), context_.theme.font(12), row);
     version->setObjectName(QStringLiteral("versionText"));
     auto* layout = new QGridLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -133,11 +140,15 @@ void GeneralSettingsView::addAbout() {
     section.addRow(row);
 }
 
-void GeneralSettingsView::showUpdateOutcome(const QString& text) {
-    outcome_->setText(text);
-    outcome_->setVisible(!text.isEmpty());
-    if (!text.isEmpty()) {
-        announceAlert(*outcome_);
+void GeneralSettingsView::showUpdateOutcome(const std::string& text) {
+    const QString shown = displayText(text);
+    const bool isLong = LongTextView::isNeededFor(shown);
+    outcome_->setText(isLong ? QString() : shown);
+    outcome_->setVisible(!shown.isEmpty() && !isLong);
+    longOutcome_->showText(isLong ? shown : QString());
+    longOutcome_->setVisible(isLong);
+    if (!shown.isEmpty()) {
+        announceAlert(isLong ? static_cast<QWidget&>(*longOutcome_) : *outcome_);
     }
 }
 

@@ -10,6 +10,7 @@ class QLabel;
 
 namespace fernwick {
 
+class LongTextView;
 class Switch;
 struct SwitchPreference;
 
@@ -17,9 +18,9 @@ class GeneralSettingsView final : public FormPage {
 public:
     GeneralSettingsView(const SettingsContext& context, QWidget* parent);
 
-    // Shows what came of asking for a newer version, and tells it to those who do not see the screen. Empty
-    // text takes it away.
-    void showUpdateOutcome(const QString& text);
+    // Shows what came of asking for a newer version, as plain text, and tells it to those who do not see the
+    // screen. Empty text takes it away.
+    void showUpdateOutcome(const std::string& text);
 
 private:
     void addAppearance();
@@ -36,6 +37,7 @@ private:
     Switch* loginSwitch_ = nullptr;
     LaunchAtLogin launchAtLogin_;
     QLabel* outcome_ = nullptr;
+    LongTextView* longOutcome_ = nullptr; // in its place for a text that is longer than a label should be
 };
 
 } // namespace fernwick

@@ -15,6 +15,8 @@
 #include "screens/theme/Theme.h"
 
 #include <functional>
+#include <optional>
+#include <string>
 
 class QWidget;
 
@@ -42,6 +44,9 @@ struct SettingsContext {
     // Makes the page of the tab "Sync", a child of `parent`. Called when a window shows that tab for the first
     // time and not before. Without it the page is empty.
     std::function<QWidget*(QWidget* parent)> makeSyncPage = nullptr;
+
+    // The version in the application's bundle, e.g. "3.1.0"; nothing where there is none.
+    std::function<std::optional<std::string>()> bundleVersion = nullptr;
 };
 
 } // namespace fernwick

@@ -34,7 +34,7 @@ SettingsView::SettingsView(SettingsContext context, QWidget* parent)
     pages_->setFocus();
 }
 
-void SettingsView::showUpdateOutcome(const QString& text) {
+void SettingsView::showUpdateOutcome(const std::string& text) {
     general_->showUpdateOutcome(text);
 }
 

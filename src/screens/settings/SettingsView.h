@@ -26,7 +26,7 @@ public:
     [[nodiscard]] QWidget* page(SettingsTab tab) const { return made_.at(static_cast<std::size_t>(tab)); }
 
     // Shows what came of asking for a newer version, in the tab "General".
-    void showUpdateOutcome(const QString& text);
+    void showUpdateOutcome(const std::string& text);
 
 private:
     void turnTo(SettingsTab tab);

@@ -21,7 +21,7 @@ void SettingsWindowController::show() {
     bringToFront(*window_);
 }
 
-void SettingsWindowController::showUpdateOutcome(const QString& text) {
+void SettingsWindowController::showUpdateOutcome(const std::string& text) {
     if (window_) {
         window_->view().showUpdateOutcome(text);
     }

@@ -21,7 +21,7 @@ public:
 
     // Shows what came of asking for a newer version, several lines of plain text; empty text takes away what
     // was shown. Without a window nothing happens.
-    void showUpdateOutcome(const QString& text);
+    void showUpdateOutcome(const std::string& text);
 
     // The window while it is open, or null.
     [[nodiscard]] SettingsWindow* window() const { return window_.get(); }

@@ -1,6 +1,7 @@
 #include "screens/theme/AlertSheet.h"
 
 #include "screens/theme/Grid.h"
+#include "screens/theme/LongTextView.h"
 
 #include <QGridLayout>
 #include <QPainter>
@@ -14,6 +15,11 @@ namespace {
 constexpr int kTextWidth = 300;
 constexpr int kIconSize = 40;
 constexpr int kMargin = 20;
+constexpr int kTallestMessage = 260; // a higher one is scrolled
+constexpr QSize kLongTextSize(400, 240);
+constexpr qsizetype kLongestMessage = 2000;     // characters whose height is worth asking for
+constexpr qsizetype kLongestDescription = 1000; // characters that are read out in one go
+enum Row { kHeadingRow, kMessageRow, kAccessoryRow, kGapRow, kButtonRow };
 
 // Text of a fixed width. A label would let a word stick out that is wider, such as the name of a file.
 class WrappedLabel final : public QLabel {
@@ -67,7 +73,11 @@ private:
 
 AlertSheet::AlertSheet(const Theme& theme, const QString& name, const Mark& mark, const QString& title,
                        QWidget* parent)
-    : QDialog(parent, Qt::Sheet), message_(new WrappedLabel(theme.font(13), this)), buttons_(new QHBoxLayout) {
+    : QDialog(parent, Qt::Sheet),
+      theme_(theme),
+      layout_(new QGridLayout(this)),
+      message_(new WrappedLabel(theme.font(13), this)),
+      buttons_(new QHBoxLayout) {
     setObjectName(name);
     setWindowTitle(title);
     auto* heading = makeLabel(title, theme.font(15, QFont::DemiBold), this);
@@ -77,24 +87,41 @@ AlertSheet::AlertSheet(const Theme& theme, const QString& name, const Mark& mark
     message_->hide();
     buttons_->setSpacing(grid::kSmall);
     buttons_->addStretch();
-    auto* layout = new QGridLayout(this);
-    layout->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
-    layout->setHorizontalSpacing(grid::kLarge);
-    layout->setVerticalSpacing(grid::kTight + 2);
-    layout->setSizeConstraint(QLayout::SetFixedSize);
-    layout->setColumnMinimumWidth(1, kTextWidth);
-    layout->addWidget(new IconView(theme, mark.icon, kIconSize, mark.color, this), 0, 0, 2, 1, Qt::AlignTop);
-    layout->addWidget(heading, 0, 1);
-    layout->addWidget(message_, 1, 1);
-    layout->setRowMinimumHeight(2, grid::kMedium);
-    layout->addLayout(buttons_, 3, 0, 1, 2);
+    layout_->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+    layout_->setHorizontalSpacing(grid::kLarge);
+    layout_->setVerticalSpacing(grid::kTight + 2);
+    layout_->setSizeConstraint(QLayout::SetFixedSize);
+    layout_->setColumnMinimumWidth(1, kTextWidth);
+    layout_->addWidget(new IconView(theme, mark.icon, kIconSize, mark.color, this), kHeadingRow, 0, 2, 1,
+                       Qt::AlignTop);
+    layout_->addWidget(heading, kHeadingRow, 1);
+    layout_->addWidget(message_, kMessageRow, 1);
+    layout_->setRowMinimumHeight(kGapRow, grid::kMedium);
+    layout_->addLayout(buttons_, kButtonRow, 0, 1, 2);
 }
 
 void AlertSheet::setMessage(const QString& message) {
-    message_->setText(message);
+    setAccessibleDescription(message.left(kLongestDescription));
+    bool scrolled = message.size() > kLongestMessage;
+    message_->setText(scrolled ? QString() : message);
+    scrolled = scrolled || message_->sizeHint().height() > kTallestMessage;
     message_->updateGeometry();
-    message_->setVisible(!message.isEmpty());
-    setAccessibleDescription(message);
+    message_->setVisible(!message.isEmpty() && !scrolled);
+    if (scrolled && longMessage_ == nullptr) {
+        longMessage_ = new LongTextView(theme_, this);
+        longMessage_->setObjectName(objectName() + QLatin1String("LongText"));
+        longMessage_->setAccessibleName(windowTitle());
+        longMessage_->setFixedSize(kLongTextSize);
+        layout_->addWidget(longMessage_, kMessageRow, 1);
+    }
+    if (longMessage_ != nullptr) {
+        longMessage_->showText(scrolled ? message : QString());
+        longMessage_->setVisible(scrolled);
+    }
+}
+
+void AlertSheet::addAccessory(QWidget* accessory) {
+    layout_->addWidget(accessory, kAccessoryRow, 1);
 }
 
 QPushButton* AlertSheet::addButton(const QString& text, ButtonRole role, const QString& objectName,

@@ -20,6 +20,30 @@ bool breaksLine(QChar character) {
            category == QChar::Separator_Paragraph;
 }
 
+// What a document of the toolkit takes for its own marks, or cannot draw; no text means anything by it.
+bool isNoCharacter(QChar character) {
+    const char16_t code = character.unicode();
+    return (code >= 0xFDD0 && code <= 0xFDEF) || code >= 0xFFFE;
+}
+
+// A character of a text of several lines, as it is shown.
+QChar shownCharacter(QChar character) {
+    switch (character.unicode()) {
+    case u'\n':
+    case u'\t':
+        return character;
+    case u'\r':
+    case u'\v':
+    case u'\f':
+    case QChar::LineSeparator:
+    case QChar::ParagraphSeparator:
+    case 0x0085: // the next line, of terminals
+        return u'\n';
+    default:
+        return breaksLine(character) || isNoCharacter(character) ? QChar(u' ') : character;
+    }
+}
+
 } // namespace
 
 QString displayLine(std::string_view utf8, qsizetype limit) {
@@ -37,6 +61,14 @@ QString displayLine(std::string_view utf8, qsizetype limit) {
         }
         text.append(QChar(u'\u2026'));
     }
+    return text;
+}
+
+QString displayText(std::string_view utf8) {
+    QString text = QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    text.removeIf(turnsDirection);
+    std::ranges::transform(text, text.begin(), shownCharacter);
     return text;
 }
 
