@@ -4,8 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
 namespace fernwick {
 namespace {
 
@@ -60,7 +58,7 @@ TEST(AppUpdater, RequestIsAPlainGetPastEveryCache) {
 struct FailureRow {
     const char* name;
     fakes::FakeHttpClient::Answer answer;
-    const char* message;
+    testing::Matcher<std::string> message;
 };
 
 platform::HttpResponse ok(const char* body) {
@@ -88,9 +86,8 @@ TEST_P(CheckFailures, AreToldOnlyToWhoAsked) {
 }
 
 constexpr const char* kInvalid = "Invalid JSON from Update Server.";
-constexpr const char* kNoJson =
-    "Update check error: TAPE_ERROR: The JSON document has an improper structure: missing "
-    "or superfluous commas, braces, missing keys, etc.";
+// The reason is the parser's.
+const testing::Matcher<std::string> kNoJson = testing::MatchesRegex("Update check error: .+");
 
 INSTANTIATE_TEST_SUITE_P(
     All, CheckFailures,
@@ -100,8 +97,7 @@ INSTANTIATE_TEST_SUITE_P(
                    "Network error: Connection refused"},
         FailureRow{"Silence", {std::nullopt}, "Network error: The request timed out"},
         FailureRow{"WithoutAText", {std::unexpected(platform::HttpError{""})}, "Network error: "},
-        FailureRow{"NoBody", {ok("")}, "Update check error: EMPTY: no JSON found"},
-        FailureRow{"WebPage", {ok("<html></html>")}, kNoJson},
+        FailureRow{"NoBody", {ok("")}, kNoJson}, FailureRow{"WebPage", {ok("<html></html>")}, kNoJson},
         FailureRow{"WebPageOfAnError", {platform::HttpResponse{502, "<h1>Bad Gateway</h1>"}}, kNoJson},
         FailureRow{"CutShort", {ok(R"({"version":"4.0")")}, kNoJson},
         FailureRow{"GoesOn", {ok(R"({} {})")}, kNoJson}, FailureRow{"Array", {ok("[]")}, kInvalid},
@@ -201,7 +197,7 @@ TEST(AppUpdater, HostileNotesReachTheScreensAsTheyAre) {
     ASSERT_EQ(world.screens.prompts.size(), 1U);
     const auto& text = world.screens.prompts[0].informativeText;
     EXPECT_TRUE(
-        text.starts_with(std::string("New version <i>4</i> is available.\n\n<b>bold</b>\0\x1b[31m", 59)));
+        text.starts_with("New version <i>4</i> is available.\n\n<b>bold</b>" + std::string("\0\x1b[31m", 6)));
     EXPECT_GT(text.size(), 5'000'000U);
 }
 
