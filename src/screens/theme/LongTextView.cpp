@@ -28,7 +28,7 @@ qsizetype paragraphLength(QStringView rest) {
         return end >= 0 ? end : rest.size();
     }
     const qsizetype blank = rest.left(kLongestParagraph).lastIndexOf(QLatin1Char(' '));
-    if (blank > 0) {
+    if (blank > kLongestParagraph / 2) {
         return blank + 1;
     }
     return rest[kLongestParagraph - 1].isHighSurrogate() ? kLongestParagraph - 1 : kLongestParagraph;
