@@ -11,10 +11,12 @@ import plistlib
 import shutil
 import signal
 import subprocess
+from collections.abc import Callable
 from pathlib import Path
-from typing import Any
+from typing import Any, TypeVar
 
-from harness import PICTURES, SystemTest, wait_until
+from harness import PICTURES, SshTest, SystemTest, stored, wait_until
+from lab import site
 from lab.app import App, program
 from lab.desktop import Desktop
 from lab.preferences import Preferences
@@ -22,13 +24,17 @@ from lab.screen import Widget, showing
 from lab.session import Session, alive
 from lab.settings import Settings
 from lab.waiting import wait_for
+from lab.wire import fetch, free_port
 from update_server import UpdateServer
 
 OLD, NEW = "1.2.3", "4.5.6"
 TITLE, FAILED, DOWNLOADING = "Application Update", "Update Error", "Downloading update..."
+ARCHIVE = "/files/Fernwick.zip"
+NO_APP = "Valid app (.app) not found in the selected file."
 QUESTION = "\n\nWould you like to download and install it now?"
 SWAP_LOG = Path("/tmp/fernwick_update.log")
 SWAP_TIME = 30.0  # seconds; the script itself waits for four
+T = TypeVar("T")
 
 
 def make_bundle(folder: Path, version: str) -> Path:
@@ -51,13 +57,27 @@ def fingerprint(item: Path) -> dict[str, str]:
 def tops(app: App, title: str | None = None) -> list[Widget]:
     """The windows, alerts and sheets on the screen, or those with that title."""
     found = [app.root.get_child_at_index(index) for index in range(app.root.get_child_count())]
-    return [each for each in found
-            if each is not None and title in (None, each.get_name()) and showing(each)]
+    return [each for each in found if each is not None and stands(each) and title in (None, _ask(each.get_name))]
 
 
 def dialogs(app: App, title: str | None = None) -> list[Widget]:
     """The alerts and sheets on the screen, or those with that title."""
-    return [each for each in tops(app, title) if each.get_role_name() == "dialog"]
+    return [each for each in tops(app, title) if _ask(each.get_role_name) == "dialog"]
+
+
+def stands(window: Widget) -> bool:
+    """Whether a window is on the screen; one that is gone is not."""
+    return bool(_ask(lambda: showing(window)))
+
+
+def _ask(question: Callable[[], T]) -> T | None:
+    """The answer of a widget, which may be gone meanwhile."""
+    from gi.repository import GLib
+
+    try:
+        return question()
+    except GLib.Error:
+        return None
 
 
 class Adopted:
@@ -149,7 +169,7 @@ class UpdateTest(SystemTest):
         self.assertTrue(any(each == message or message.endswith("...") and each.startswith(message[:-3])
                             for each in said), f"{title!r} says {said} and not {message!r}")
         app.press("OK", under=alert)
-        self.gone(app, title)
+        wait_until(lambda: not stands(alert), f"the alert {title!r} leaves the screen", 5.0)
 
     def ask(self, app: App) -> None:
         """Presses the button of the settings, which are open."""
@@ -198,6 +218,27 @@ class UpdateTest(SystemTest):
         app.press("OK", under=alert)
         settings.find(latest)
         return settings
+
+
+class Tunnelled(UpdateTest, SshTest):
+    """The application with a tunnel that is up while the updater does its work."""
+
+    def begin_connected(self, **options: object) -> App:
+        """Starts the old version and connects its tunnel."""
+        self.make_both()
+        self.port = free_port()
+        tunnel = self.tunnel("Kept", localPort=str(self.port), remotePort=str(self.lab.site_port), remoteHost=site.NAME)
+        self.preferences.seed(**{stored.TUNNELS: [tunnel], stored.KEYS: [self.key], stored.TAGS: []})
+        app = self.begin(**options)  # type: ignore[arg-type]
+        self.connect(app, "Kept")
+        self.assert_tunnel(app)
+        return app
+
+    def assert_tunnel(self, app: App) -> None:
+        """The application runs, and bytes come through its tunnel."""
+        self.assertTrue(app.running())
+        self.assertEqual(fetch(self.port, site.NAME).decode(), site.GREETING)
+        self.assertEqual(len(app.children()), 1)
 
 
 def _runs(pid: int) -> str:

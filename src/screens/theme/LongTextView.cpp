@@ -13,7 +13,7 @@ namespace fernwick {
 
 namespace {
 
-constexpr int kInset = 2; // keeps the ground's corners inside the rounded ones
+constexpr int kInset = 2;            // keeps the ground's corners inside the rounded ones
 constexpr qsizetype kPiece = 16'384; // characters that are laid out at a time
 // The time to lay out a paragraph grows with its length; a longer one is shown as several.
 constexpr qsizetype kLongestParagraph = 2000;
