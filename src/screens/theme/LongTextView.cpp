@@ -13,8 +13,8 @@ namespace fernwick {
 
 namespace {
 
-constexpr int kInset = 2;            // keeps the ground's corners inside the rounded ones
-constexpr qsizetype kPiece = 16'384; // characters that are laid out at a time
+constexpr int kInset = 2;          // keeps the ground's corners inside the rounded ones
+constexpr qsizetype kPiece = 8192; // characters that are laid out at a time
 // The time to lay out a paragraph grows with its length; a longer one is shown as several.
 constexpr qsizetype kLongestParagraph = 2000;
 constexpr qsizetype kLongestLabel = 600;
