@@ -5,6 +5,7 @@
 #include "catalogue/TagManager.h"
 #include "catalogue/TunnelStore.h"
 #include "platform/AppNotifications.h"
+#include "platform/ThreadName.h"
 #include "platform/linux/AutostartEntry.h"
 #include "platform/linux/DesktopEntryApplications.h"
 #include "platform/linux/DesktopProxySettings.h"
@@ -285,6 +286,8 @@ void FernwickApp::terminate() {
 }
 
 int FernwickApp::main(int argc, char** argv) {
+    // Started by a link, the process would be called as the link is; the update's script looks for this name.
+    platform::nameThisThread("Fernwick");
     QCoreApplication::setApplicationName(QStringLiteral("Fernwick"));
     QCoreApplication::setApplicationVersion(QStringLiteral(FERNWICK_VERSION));
     QGuiApplication::setDesktopFileName(QStringLiteral("com.fernwick.Fernwick"));
