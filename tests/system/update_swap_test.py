@@ -18,10 +18,11 @@ from polkit_case import ANNA, BOB, GRANT_PKEXEC, IDS, RULES, PolkitCase
 
 PROGRAM = os.environ["FERNWICK_UPDATING_PROGRAM"]
 LOG = Path("/tmp/fernwick_update.log")
-ODD = "a \"b\" $(touch /tmp/broken) `c` 'd' \\\n e"
+ODD = "`T` a \"b\" $(touch /tmp/broken) `c` 'd' \\\n e"
 # Tells who it is, in a file that appears whole, and stays as an application does.
 NEW = """#!/bin/sh
-{ id -u; id -g; ps -o sid= -p $$; pwd; grep SigIgn /proc/self/status; env -0; } > "%s.part"
+left=closed; [ -e /proc/$$/fd/3 ] && left=open
+{ id -u; id -g; ps -o sid= -p $$; pwd; grep SigIgn /proc/self/status; echo $left; env -0; } > "%s.part"
 mv "%s.part" "%s"
 exec sleep 1000
 """
@@ -83,7 +84,7 @@ class UpdateSwapTest(PolkitCase):
         application.communicate("\n", timeout=10)
         wait_until((self.told / "new").exists, "the new application starts", 30.0)
         wait_until(lambda: "Update finished!" in LOG.read_text(), "the script ends", 30.0)
-        *lines, rest = (self.told / "new").read_text().split("\n", 5)
+        *lines, rest = (self.told / "new").read_text().split("\n", 6)
         return lines, dict(entry.split("=", 1) for entry in rest.split("\0") if entry)
 
     def test_script_outlives_the_application_and_starts_the_new_one(self) -> None:
@@ -105,6 +106,7 @@ class UpdateSwapTest(PolkitCase):
         lines, environment = self.swap(self.install(ANNA, self.archive(), self.target, FERNWICK_ODD=ODD, DISPLAY=":77",
                                                     XAUTHORITY="/x y/auth", DBUS_SESSION_BUS_ADDRESS="unix:path=/b"))
         self.assertEqual(lines[:2], [str(IDS[ANNA])] * 2)
+        self.assertEqual(lines[5], "closed", "the descriptor of the variables")
         expected = {"FERNWICK_ODD": ODD, "DISPLAY": ":77", "XAUTHORITY": "/x y/auth", "TMPDIR": str(self.temporary),
                     "DBUS_SESSION_BUS_ADDRESS": "unix:path=/b", "HOME": str(self.session.root / str(IDS[ANNA]))}
         self.assertEqual({name: environment.get(name) for name in expected}, expected)

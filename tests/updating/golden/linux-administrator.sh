@@ -24,16 +24,22 @@ program="/opt/Fernwick.app"
 chmod 755 "$program"
 
 echo "Registering with the desktop..."
-person=(setpriv --reuid=1000 --regid=100 --init-groups env -i 'DISPLAY=:0' 'HOME=/home/o'\''neil' 'LANG=vi_VN.UTF-8' 'QUOTED=a "b" $(c) `d` \
- e')
-"${person[@]}" sh -c 'update-desktop-database "${XDG_DATA_HOME:-$HOME/.local/share}/applications"' > /dev/null 2>&1
+environment='export '\''DISPLAY=:0'\''
+export '\''HOME=/home/o'\''\'\'''\''neil'\''
+export '\''LANG=vi_VN.UTF-8'\''
+export '\''QUOTED=a "b" $(c) `T` \
+ e'\''
+'
+person=(setpriv --reuid=1000 --regid=100 --init-groups env -i
+    /bin/bash -c 'eval "$(cat <&3)"; exec "$@" 3<&-' bash)
+"${person[@]}" sh -c 'update-desktop-database "${XDG_DATA_HOME:-$HOME/.local/share}/applications"' 3<<< "$environment" > /dev/null 2>&1
 
 echo "Reopening..."
 sleep 1
 
 # In a session of its own; the script's background has INT and QUIT ignored, nohup HUP
 start() {
-    (cd / && exec setsid "${person[@]}" env --default-signal=HUP,INT,QUIT "$program" < /dev/null > /dev/null 2>&1) &
+    (cd / && exec setsid "${person[@]}" env --default-signal=HUP,INT,QUIT "$program" 3<<< "$environment" < /dev/null > /dev/null 2>&1) &
     sleep 1
     kill -0 $! 2> /dev/null || wait $!
 }

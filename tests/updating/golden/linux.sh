@@ -24,15 +24,14 @@ program="/home/someone/Apps/Fernwick.AppImage"
 chmod 755 "$program"
 
 echo "Registering with the desktop..."
-person=()
-"${person[@]}" sh -c 'update-desktop-database "${XDG_DATA_HOME:-$HOME/.local/share}/applications"' > /dev/null 2>&1
+sh -c 'update-desktop-database "${XDG_DATA_HOME:-$HOME/.local/share}/applications"' > /dev/null 2>&1
 
 echo "Reopening..."
 sleep 1
 
 # In a session of its own; the script's background has INT and QUIT ignored, nohup HUP
 start() {
-    (cd / && exec setsid "${person[@]}" env --default-signal=HUP,INT,QUIT "$program" < /dev/null > /dev/null 2>&1) &
+    (cd / && exec setsid env --default-signal=HUP,INT,QUIT "$program" < /dev/null > /dev/null 2>&1) &
     sleep 1
     kill -0 $! 2> /dev/null || wait $!
 }
