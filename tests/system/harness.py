@@ -115,9 +115,9 @@ def own_network() -> None:
         subprocess.run(["ip", "link", "set", "lo", "up"], check=True)
 
 
-def main() -> None:
+def main(*, own_processes: bool = False) -> None:
     """Runs the cases of the calling file inside a namespace of their own."""
-    namespace.enter()
+    namespace.enter(own_processes=own_processes)
     if not program().exists():
         sys.exit(f"{program()} is not built")
     unittest.main(verbosity=2, warnings="ignore")

@@ -33,7 +33,7 @@ class App(Screen):
     def __init__(self, session: Session, desktop: Desktop, *,
                  environment: dict[str, str] | None = None, stand_in: Path | None = None,
                  mounts: Sequence[str] = (), inside: Sequence[str] = (), engine: StandIn | None = None,
-                 command: Sequence[str] = ()) -> None:
+                 command: Sequence[str] = (), powers: Sequence[str] = POWERLESS) -> None:
         """Starts the program, or `command`, which ends up as the program; with `stand_in` in place of ssh, after the
         shell commands `mounts` in a namespace, and by way of the command `inside`. It meets the proxy engine only when
         it is given one, and then has all powers."""
@@ -44,10 +44,9 @@ class App(Screen):
         before = [*mounts, *(engine.mounts() if engine else kept_away()),
                   *([f"mount --bind {shlex.quote(str(stand_in))} /usr/bin/ssh"] if stand_in else [])]
         wrap = [*NESTED, "sh", "-c", " && ".join([*before, 'exec "$@"']), "sh"] if before else []
-        powers = [] if engine else POWERLESS
         with open(self.stderr_path, "wb") as stderr, open(self.stderr_path.with_suffix(".out"), "wb") as stdout:
-            self.process = session.start([*inside, *wrap, *powers, *(command or [program()])], environment=environment,
-                                         stdout=stdout, stderr=stderr)
+            words = [*inside, *wrap, *([] if engine else powers), *(command or [program()])]
+            self.process = session.start(words, environment=environment, stdout=stdout, stderr=stderr)
         self.pid = self.process.pid
 
     # Its windows

@@ -17,6 +17,8 @@ from pathlib import Path
 # The command that runs its arguments in one more mount namespace, inside the run's own, where we may mount already.
 NESTED = ["unshare", "--mount", "--propagation", "private", "--"]
 _INSIDE = "FERNWICK_LAB_NAMESPACE"
+# Further words for unshare: process ids of the run's own too, and all of its processes end with the first one.
+_OWN_PROCESSES = ["--pid", "--fork", "--mount-proc", "--kill-child"]
 
 
 class NoNamespace(RuntimeError):
@@ -38,22 +40,36 @@ def inside() -> bool:
     return os.environ.get(_INSIDE) == str(os.getpid())
 
 
-def enter() -> None:
-    """Starts the running Python program again inside a namespace; returns at once when it already is inside."""
+def enter(*, own_processes: bool = False) -> None:
+    """Starts the running Python program again inside a namespace; returns at once when it already is inside.
+
+    With `own_processes` it sees no process but its own and has process id 1, and its /tmp is its own too.
+    """
     if inside():
         return
     command = unshare_command()
+    if own_processes:
+        command = [*command[:-1], *_OWN_PROCESSES, "--"]
     if shutil.which("unshare") is None or subprocess.run([*command, "true"], capture_output=True).returncode != 0:
         raise NoNamespace("no private mount namespace: run as root, or allow user namespaces to this account")
     # unshare keeps the process id, so the mark cannot be mistaken by a program started from inside.
-    environment = os.environ | {_INSIDE: str(os.getpid())}
+    environment = os.environ | {_INSIDE: "1" if own_processes else str(os.getpid())}
+    words = [sys.executable, *sys.orig_argv[1:]]
+    if own_processes and not str(Path(__file__).resolve()).startswith("/tmp/"):
+        words = ["sh", "-c", 'mount -t tmpfs -o mode=1777 tmpfs /tmp && exec "$@"', "sh", *words]
     sys.stdout.flush()
-    os.execvpe(command[0], [*command, sys.executable, *sys.orig_argv[1:]], environment)
+    os.execvpe(command[0], [*command, *words], environment)
+
+
+def stay_inside(pid: int) -> None:
+    """Marks a process that is about to run a Python program as one that is inside already."""
+    os.environ[_INSIDE] = str(pid)
 
 
 def bind(source: Path, target: Path) -> None:
     """Shows `source` in the place of `target`; both exist."""
-    subprocess.run(["mount", "--bind", str(source), str(target)], check=True)
+    # without new privileges: mount is set-user-ID, and would see a plain user and not the capabilities that we have
+    subprocess.run(["setpriv", "--no-new-privs", "--", "mount", "--bind", str(source), str(target)], check=True)
 
 
 def move_home(home: Path, scratch: Path) -> None:

@@ -13,8 +13,8 @@ namespace fernwick {
 
 namespace {
 
-constexpr int kInset = 2; // keeps the ground's corners inside the rounded ones
-constexpr qsizetype kPiece = 16'384; // characters that are laid out at a time
+constexpr int kInset = 2;          // keeps the ground's corners inside the rounded ones
+constexpr qsizetype kPiece = 8192; // characters that are laid out at a time
 // The time to lay out a paragraph grows with its length; a longer one is shown as several.
 constexpr qsizetype kLongestParagraph = 2000;
 constexpr qsizetype kLongestLabel = 600;
@@ -28,7 +28,7 @@ qsizetype paragraphLength(QStringView rest) {
         return end >= 0 ? end : rest.size();
     }
     const qsizetype blank = rest.left(kLongestParagraph).lastIndexOf(QLatin1Char(' '));
-    if (blank > 0) {
+    if (blank > kLongestParagraph / 2) {
         return blank + 1;
     }
     return rest[kLongestParagraph - 1].isHighSurrogate() ? kLongestParagraph - 1 : kLongestParagraph;

@@ -100,6 +100,7 @@ void UpdateAlerts::present(AlertSheet& alert) {
     std::erase_if(standing_, [](const auto& dialog) { return dialog.isNull(); });
     standing_.emplace_back(&alert);
     alert.setAttribute(Qt::WA_DeleteOnClose);
+    alert.setWindowIcon(themedIcon(theme_, Icon::application, &Palette::text));
     alert.setWindowModality(Qt::ApplicationModal);
     if (const auto* window = keyWindow()) {
         alert.setScreen(window->screen());
