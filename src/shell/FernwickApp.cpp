@@ -5,6 +5,7 @@
 #include "catalogue/TagManager.h"
 #include "catalogue/TunnelStore.h"
 #include "platform/AppNotifications.h"
+#include "platform/ThreadName.h"
 #include "platform/linux/AutostartEntry.h"
 #include "platform/linux/DesktopEntryApplications.h"
 #include "platform/linux/DesktopProxySettings.h"
@@ -271,6 +272,8 @@ void FernwickApp::terminate() {
 }
 
 int FernwickApp::main(int argc, char** argv) {
+    // The kernel names a process after the link by which it was started; who looks for it knows one name.
+    platform::nameThisThread("Fernwick");
     QCoreApplication::setApplicationName(QStringLiteral("Fernwick"));
     QCoreApplication::setApplicationVersion(QStringLiteral(FERNWICK_VERSION));
     QGuiApplication::setDesktopFileName(QStringLiteral("com.fernwick.Fernwick"));

@@ -8,6 +8,7 @@ from __future__ import annotations
 
 import os
 import pwd
+import shutil
 import stat
 import subprocess
 import sys
@@ -26,9 +27,14 @@ MANAGE_UNITS = "org.freedesktop.systemd1.manage-units"
 # Both are accounts of this run only. The first one's name is one that would break out of a careless script.
 ANNA, BOB = 'o\'ba"n\\a', "bob"
 IDS = {ANNA: 42001, BOB: 42002}
-GRANT_PKEXEC = """polkit.addRule(function(action, subject) {
-    if (action.id == "org.freedesktop.policykit.exec" && subject.user != "bob") { return polkit.Result.YES; }
-});"""
+# What the package installs, and where.
+PACKAGING = Path(__file__).parents[2] / "packaging"
+ACTIONS = Path("/usr/share/polkit-1/actions")
+OUR_PROGRAM = Path("/usr/libexec/fernwick-administrator")
+SYSTEMS_ACTION, OUR_ACTION = "org.freedesktop.policykit.exec", "com.fernwick.Fernwick.administrator"
+GRANT_PKEXEC = f"""polkit.addRule(function(action, subject) {{
+    if (action.id == "{SYSTEMS_ACTION}" && subject.user != "bob") {{ return polkit.Result.YES; }}
+}});"""
 NOT_AUTHORIZED, DISMISSED = 127, 126
 
 
@@ -50,6 +56,7 @@ class AdministratorTest(unittest.TestCase):
         for folder in ("/run/dbus", "/run/systemd/system"):
             Path(folder).mkdir(parents=True)
         cls.record_systemctl()
+        cls.install_action()
         RULES.mkdir(parents=True, exist_ok=True)
         cls.empty_folders()
         os.environ.pop("DBUS_SYSTEM_BUS_ADDRESS", None)
@@ -84,6 +91,17 @@ class AdministratorTest(unittest.TestCase):
         recorder.write_text(f'#!/bin/sh\necho "$(id -u) $*" >> {cls.calls}\n')
         recorder.chmod(0o755)
         namespace.bind(recorder, Path("/usr/bin/systemctl"))
+
+    @classmethod
+    def install_action(cls) -> None:
+        """Puts the package's action beside the system's own, and takes its program away, should it be installed."""
+        actions = cls.session.root / "actions"
+        shutil.copytree(ACTIONS, actions)
+        shutil.copy(PACKAGING / "com.fernwick.Fernwick.policy", actions)
+        namespace.bind(actions, ACTIONS)
+        libexec = cls.session.root / "libexec"
+        libexec.mkdir()
+        namespace.bind(libexec, OUR_PROGRAM.parent)
 
     @classmethod
     def empty_folders(cls) -> None:
@@ -202,6 +220,22 @@ class AdministratorTest(unittest.TestCase):
         self.assertEqual((self.session.root / "who").read_text(), "0\n")
         self.assertEqual(self.administrator(ANNA, "echo went wrong >&2; false"), "refused: went wrong")
         self.assertEqual(self.administrator(ANNA, "false"), "refused: ")
+
+    def test_package_has_an_action_of_its_own(self) -> None:
+        """With the package's program polkit is asked for that action, and for it alone."""
+        line = f"id -u > {self.session.root}/whom"
+        shutil.copy(PACKAGING / OUR_PROGRAM.name, OUR_PROGRAM)
+        self.addCleanup(OUR_PROGRAM.unlink)
+        self.assertTrue(self.administrator(ANNA, line).startswith("refused: "))  # the system's action is granted only
+        (RULES / "10-test.rules").write_text(GRANT_PKEXEC.replace(SYSTEMS_ACTION, OUR_ACTION))
+        wait_until(lambda: self.administrator(ANNA, line) == "done", "the rule is read")
+        self.assertEqual((self.session.root / "whom").read_text(), "0\n")
+        self.assertEqual(self.administrator(ANNA, "echo went wrong >&2; false"), "refused: went wrong")
+        shell = self.run_as(ANNA, ["/usr/bin/pkexec", "/bin/sh", "-c", line])
+        self.assertEqual(shell.returncode, NOT_AUTHORIZED)
+        shown = subprocess.run(["pkaction", "--verbose", "--action-id", OUR_ACTION], capture_output=True, text=True)
+        for who in ("any", "inactive", "active"):
+            self.assertRegex(shown.stdout, rf"implicit {who}: +auth_admin\n")
 
     def test_end_of_the_application_waits_for_no_granted_line(self) -> None:
         """A line that root runs already cannot be killed by the user, and goes on."""
