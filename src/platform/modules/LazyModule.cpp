@@ -6,6 +6,12 @@
 
 namespace fernwick::platform {
 
+namespace {
+
+constexpr const char* kMissing = "The part of the application that asks the network is missing";
+
+} // namespace
+
 void* loadFromModule(const std::string& path, const char* name) {
     void* module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     void* found = module != nullptr ? dlsym(module, name) : nullptr;
@@ -19,19 +25,30 @@ void* loadFromModule(const std::string& path, const char* name) {
 LazyHttpClient::LazyHttpClient(const std::string& folder, Dispatch& dispatch)
     : path_(folder + "/libfernwick_http.so"), dispatch_(dispatch) {}
 
-void LazyHttpClient::send(HttpRequest request, std::function<void(HttpResult)> finished) {
+HttpClient* LazyHttpClient::client() {
     if (!std::exchange(tried_, true)) {
         if (void* make = loadFromModule(path_, kMakeHttpClient)) {
             client_.reset(reinterpret_cast<MakeHttpClient>(make)(dispatch_));
         }
     }
-    if (client_) {
-        client_->send(std::move(request), std::move(finished));
+    return client_.get();
+}
+
+void LazyHttpClient::send(HttpRequest request, std::function<void(HttpResult)> finished) {
+    if (auto* loaded = client()) {
+        loaded->send(std::move(request), std::move(finished));
         return;
     }
-    dispatch_.main([finished = std::move(finished)] {
-        finished(std::unexpected(HttpError{"The part of the application that asks the network is missing"}));
-    });
+    dispatch_.main([finished = std::move(finished)] { finished(std::unexpected(HttpError{kMissing})); });
+}
+
+void LazyHttpClient::download(HttpRequest request, std::string folder,
+                              std::function<void(HttpDownloadResult)> finished) {
+    if (auto* loaded = client()) {
+        loaded->download(std::move(request), std::move(folder), std::move(finished));
+        return;
+    }
+    dispatch_.main([finished = std::move(finished)] { finished(std::unexpected(HttpError{kMissing})); });
 }
 
 LazyKeychain::LazyKeychain(const std::string& folder, const HostEnvironment& host)

@@ -23,8 +23,12 @@ public:
     LazyHttpClient(const std::string& folder, Dispatch& dispatch);
 
     void send(HttpRequest request, std::function<void(HttpResult)> finished) override;
+    void download(HttpRequest request, std::string folder,
+                  std::function<void(HttpDownloadResult)> finished) override;
 
 private:
+    [[nodiscard]] HttpClient* client();
+
     std::string path_;
     Dispatch& dispatch_;
     bool tried_ = false;

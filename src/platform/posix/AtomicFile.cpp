@@ -3,6 +3,7 @@
 #include "platform/posix/FileDescriptor.h"
 #include "platform/posix/PropertyListGuard.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
@@ -56,8 +57,13 @@ int syncFolder(const std::string& path) {
 // Of the temporary files of a path, all but the mark and the process. They are hidden: whoever lists the folder
 // by the first letters of a name must not take half a file for a whole one.
 std::string temporaryPrefix(const std::string& path) {
-    const auto name = path.rfind('/') + 1; // 0 without a folder
-    return path.substr(0, name) + "." + path.substr(name);
+    constexpr std::size_t kLongestName = 200; // of the 255 bytes of a name, so that the mark and a number fit
+    const auto name = path.rfind('/') + 1;    // 0 without a folder
+    auto end = std::min(path.size(), name + kLongestName);
+    while (end < path.size() && (static_cast<unsigned char>(path[end]) & 0xC0U) == 0x80U) {
+        --end; // not within a character, which some file systems refuse
+    }
+    return path.substr(0, name) + "." + path.substr(name, end - name);
 }
 
 // The process that writes a temporary file of that name; 0 when it is no such name.
@@ -69,8 +75,8 @@ pid_t writerOf(std::string_view name) {
     return parsed.ec == std::errc() && parsed.ptr == number.data() + number.size() && pid > 0 ? pid : 0;
 }
 
-// Removes the temporary files in a folder whose names begin so and whose writers run no more.
-void removeDead(const std::string& folder, const std::string& prefix) {
+// The temporary files in a folder whose names begin so and whose writers run no more.
+std::vector<std::string> findDead(const std::string& folder, const std::string& prefix) {
     std::error_code ignored; // a folder that cannot be listed keeps what is in it
     std::vector<std::string> dead;
     for (fs::directory_iterator place(folder, ignored), end; !ignored && place != end;
@@ -81,7 +87,11 @@ void removeDead(const std::string& folder, const std::string& prefix) {
             dead.push_back(place->path().string());
         }
     }
-    for (const auto& file : dead) {
+    return dead;
+}
+
+void removeFiles(const std::vector<std::string>& files) {
+    for (const auto& file : files) {
         unlink(file.c_str());
     }
 }
@@ -122,7 +132,7 @@ std::expected<std::string, int> readWholeFile(const std::string& path, std::size
 }
 
 int replaceFile(const std::string& path, std::string_view bytes, ReplaceOptions options) {
-    const auto temporary = temporaryPrefix(path) + std::string(kTemporaryMark) + std::to_string(getpid());
+    const auto temporary = temporaryPath(path);
     unlink(temporary.c_str()); // of an earlier process with our number
     int code = writeNew(temporary, bytes, options);
     if (code == 0 && std::rename(temporary.c_str(), path.c_str()) != 0) {
@@ -135,23 +145,47 @@ int replaceFile(const std::string& path, std::string_view bytes, ReplaceOptions 
     return options.durable ? syncFolder(parentFolder(path)) : 0;
 }
 
+std::string temporaryPath(const std::string& path) {
+    return temporaryPrefix(path) + std::string(kTemporaryMark) + std::to_string(getpid());
+}
+
+std::vector<std::string> abandonedTemporaries(const std::string& path) {
+    return findDead(parentFolder(path),
+                    fs::path(temporaryPrefix(path) + std::string(kTemporaryMark)).filename().string());
+}
+
 void removeTemporaryFiles(const std::string& path) {
-    removeDead(parentFolder(path),
-               fs::path(temporaryPrefix(path) + std::string(kTemporaryMark)).filename().string());
+    removeFiles(abandonedTemporaries(path));
 }
 
 void removeTemporaryFilesOf(const std::string& folder, const std::string& names) {
-    removeDead(folder, "." + names);
+    removeFiles(findDead(folder, "." + names));
+}
+
+int renameToFree(const std::string& from, const std::string& to) {
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
+        return 0;
+    }
+    if (errno != EINVAL && errno != ENOSYS) {
+        return errno;
+    }
+    // A file system that cannot promise it, or a folder on its way into itself; the second try tells.
+    struct stat found = {};
+    if (lstat(to.c_str(), &found) == 0) {
+        return EEXIST;
+    }
+    return std::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
 }
 
 std::expected<std::string, int> moveAside(const std::string& path, const std::string& prefix) {
     for (int number = 1;; ++number) {
         auto place = prefix + std::to_string(number);
-        if (renameat2(AT_FDCWD, path.c_str(), AT_FDCWD, place.c_str(), RENAME_NOREPLACE) == 0) {
+        const int code = renameToFree(path, place);
+        if (code == 0) {
             return place;
         }
-        if (errno != EEXIST) {
-            return std::unexpected(errno);
+        if (code != EEXIST) {
+            return std::unexpected(code);
         }
     }
 }

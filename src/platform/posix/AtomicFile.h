@@ -6,6 +6,7 @@
 #include <expected>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace fernwick::platform {
 
@@ -24,12 +25,22 @@ struct ReplaceOptions {
 // Replaces the file, or makes it. Returns 0, or the error that left the old file as it was.
 [[nodiscard]] int replaceFile(const std::string& path, std::string_view bytes, ReplaceOptions options = {});
 
+// Where this process makes what is to stand at the path: beside it, and hidden.
+[[nodiscard]] std::string temporaryPath(const std::string& path);
+
+// What stands where other processes made what was to stand at the path, and run no more.
+[[nodiscard]] std::vector<std::string> abandonedTemporaries(const std::string& path);
+
 // Removes what replaceFile left beside the path when its process was killed. Files of processes that run are
 // spared.
 void removeTemporaryFiles(const std::string& path);
 
 // The same for all files of a folder whose names begin with `names`.
 void removeTemporaryFilesOf(const std::string& folder, const std::string& names);
+
+// Renames whatever stands there to a path where nothing stands; EEXIST when something does. Returns 0 or the
+// error.
+[[nodiscard]] int renameToFree(const std::string& from, const std::string& to);
 
 // Renames the file to `prefix` and the first number from 1 that is free. The new path, or the error.
 [[nodiscard]] std::expected<std::string, int> moveAside(const std::string& path, const std::string& prefix);

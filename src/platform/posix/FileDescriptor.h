@@ -1,6 +1,7 @@
 // An open file descriptor with one owner, who closes it.
 #pragma once
 
+#include <cerrno>
 #include <unistd.h>
 #include <utility>
 
@@ -31,6 +32,9 @@ public:
             ::close(number);
         }
     }
+
+    // Closes it, and answers 0 or the error: some file systems tell only here that the disk was full.
+    [[nodiscard]] int close() { return ::close(std::exchange(number_, -1)) == 0 ? 0 : errno; }
 
 private:
     int number_ = -1;

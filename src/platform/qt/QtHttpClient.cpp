@@ -1,5 +1,7 @@
 #include "platform/qt/QtHttpClient.h"
 
+#include "platform/posix/GrowingFile.h"
+
 #include <QByteArray>
 #include <QNetworkAccessManager>
 #include <QNetworkProxy>
@@ -8,7 +10,7 @@
 #include <QString>
 #include <QUrl>
 
-#include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace fernwick::platform {
@@ -22,7 +24,7 @@ QByteArray bytesOf(const std::string& text) {
     return {text.data(), static_cast<qsizetype>(text.size())};
 }
 
-HttpResult failure(std::string description) {
+std::unexpected<HttpError> failure(std::string description) {
     return std::unexpected(HttpError{std::move(description)});
 }
 
@@ -36,7 +38,9 @@ bool isAnswer(QNetworkReply::NetworkError error) {
 
 QNetworkRequest requestFor(const QUrl& url, const HttpRequest& request) {
     QNetworkRequest made(url);
-    made.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+    made.setAttribute(QNetworkRequest::RedirectPolicyAttribute, request.followsRedirects
+                                                                    ? QNetworkRequest::NoLessSafeRedirectPolicy
+                                                                    : QNetworkRequest::ManualRedirectPolicy);
     made.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
     made.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
     made.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
@@ -56,12 +60,14 @@ struct DeleteLater {
 } // namespace
 
 struct QtHttpClient::Exchange {
-    std::size_t maximumBytes = 0;
-    std::function<void(HttpResult)> finished;
+    // Takes bytes of the body; tells what is wrong with them, if anything.
+    std::function<std::expected<void, HttpError>(std::string_view)> take;
+    std::function<void(Status)> finished;
+    Duration timeLimit{0};
+    bool limitsSilence = false; // the time limit is for a silence, not for all of it
     std::unique_ptr<QNetworkReply, DeleteLater> reply = nullptr; // absent until the request is on its way
     std::unique_ptr<QObject> listener = nullptr;                 // without it the reply tells nobody
     std::unique_ptr<Timer> timer = nullptr;
-    std::string body = {};
 };
 
 QtHttpClient::QtHttpClient(Dispatch& dispatch) : dispatch_(dispatch) {}
@@ -69,16 +75,68 @@ QtHttpClient::QtHttpClient(Dispatch& dispatch) : dispatch_(dispatch) {}
 QtHttpClient::~QtHttpClient() = default;
 
 void QtHttpClient::send(HttpRequest request, std::function<void(HttpResult)> finished) {
+    const auto body = std::make_shared<std::string>();
+    auto exchange = std::make_unique<Exchange>();
+    exchange->take = [body,
+                      most = request.maximumBytes](std::string_view bytes) -> std::expected<void, HttpError> {
+        if (bytes.size() > most - body->size()) {
+            return failure("The answer is too long");
+        }
+        body->append(bytes);
+        return {};
+    };
+    exchange->finished = [body, finished = std::move(finished)](const Status& status) {
+        finished(status ? HttpResult(HttpResponse{*status, std::move(*body)})
+                        : failure(status.error().description));
+    };
+    start(request, std::move(exchange));
+}
+
+void QtHttpClient::download(HttpRequest request, std::string folder,
+                            std::function<void(HttpDownloadResult)> finished) {
+    const auto file = std::make_shared<std::expected<GrowingFile, FileError>>(GrowingFile::in(folder));
+    auto exchange = std::make_unique<Exchange>();
+    exchange->limitsSilence = true;
+    exchange->take = [file](std::string_view bytes) -> std::expected<void, HttpError> {
+        const auto written = (*file)->append(bytes);
+        return written ? std::expected<void, HttpError>{} : failure(written.error().description);
+    };
+    exchange->finished = [file, finished = std::move(finished)](const Status& status) {
+        const auto kept = status ? (*file)->keep() : std::unexpected(FileError{0, status.error().description});
+        if (*file) {
+            const auto unkept = *std::move(*file); // is removed before anybody is told
+        }
+        finished(kept ? HttpDownloadResult(*kept) : failure(kept.error().description));
+    };
+    if (!*file) {
+        const auto number = ++sent_;
+        exchanges_.emplace(number, std::move(exchange));
+        failLater(number, file->error().description);
+        return;
+    }
+    start(request, std::move(exchange));
+}
+
+void QtHttpClient::start(const HttpRequest& request, std::unique_ptr<Exchange> exchange) {
     const auto number = ++sent_;
-    auto& exchange =
-        *exchanges_
-             .emplace(number, std::make_unique<Exchange>(Exchange{.maximumBytes = request.maximumBytes,
-                                                                  .finished = std::move(finished)}))
-             .first->second;
-    const auto limit = request.timeLimit;
-    exchange.timer =
-        dispatch_.oneShotTimer(limit, [this, number] { finish(number, failure("The request timed out")); });
+    exchange->timeLimit = request.timeLimit;
+    exchanges_.emplace(number, std::move(exchange));
+    limitTime(number);
     begin(number, request);
+}
+
+// Lets the time limit begin anew.
+void QtHttpClient::limitTime(std::uint64_t number) {
+    auto& exchange = *exchanges_.at(number);
+    exchange.timer = dispatch_.oneShotTimer(
+        exchange.timeLimit, [this, number] { finish(number, failure("The request timed out")); });
+}
+
+void QtHttpClient::failLater(std::uint64_t number, std::string description) {
+    exchanges_.at(number)->timer =
+        dispatch_.oneShotTimer(Duration{0}, [this, number, description = std::move(description)] {
+            finish(number, failure(description));
+        });
 }
 
 void QtHttpClient::begin(std::uint64_t number, const HttpRequest& request) {
@@ -86,9 +144,7 @@ void QtHttpClient::begin(std::uint64_t number, const HttpRequest& request) {
     const QUrl url(QString::fromStdString(request.url), QUrl::StrictMode);
     if (!url.isValid() || url.host().isEmpty() ||
         (url.scheme() != QLatin1String("http") && url.scheme() != QLatin1String("https"))) {
-        // Qt would read files and other things too. Told later, as every end is.
-        exchange.timer = dispatch_.oneShotTimer(
-            Duration{0}, [this, number] { finish(number, failure("The address is none of HTTP")); });
+        failLater(number, "The address is none of HTTP"); // Qt would read files and other things too
         return;
     }
     if (!manager_) {
@@ -111,11 +167,13 @@ void QtHttpClient::begin(std::uint64_t number, const HttpRequest& request) {
 bool QtHttpClient::receive(std::uint64_t number) {
     auto& exchange = *exchanges_.at(number);
     const auto bytes = exchange.reply->readAll();
-    if (static_cast<std::size_t>(bytes.size()) > exchange.maximumBytes - exchange.body.size()) {
-        finish(number, failure("The answer is too long"));
+    if (auto taken = exchange.take({bytes.constData(), static_cast<std::size_t>(bytes.size())}); !taken) {
+        finish(number, failure(taken.error().description));
         return false;
     }
-    exchange.body.append(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    if (exchange.limitsSilence) {
+        limitTime(number);
+    }
     return true;
 }
 
@@ -129,15 +187,16 @@ void QtHttpClient::end(std::uint64_t number) {
         finish(number, failure(exchange.reply->errorString().toStdString()));
         return;
     }
-    finish(number, HttpResponse{.status = status.toInt(), .body = std::move(exchange.body)});
+    finish(number, status.toInt());
 }
 
-void QtHttpClient::finish(std::uint64_t number, HttpResult result) {
+void QtHttpClient::finish(std::uint64_t number, Status status) {
     const auto exchange = std::move(exchanges_.extract(number).mapped());
     const auto finished = std::move(exchange->finished);
     exchange->listener.reset(); // giving the reply up would tell of its end once more
     exchange->reply.reset();
-    finished(std::move(result)); // which may destroy this client
+    exchange->take = nullptr;
+    finished(std::move(status)); // which may destroy this client
 }
 
 } // namespace fernwick::platform

@@ -1,0 +1,76 @@
+#include "platform/linux/LinuxUpdate.h"
+
+#include "platform/posix/ShellWord.h"
+#include "platform/posix/UpdateScript.h"
+
+#include <algorithm>
+#include <string_view>
+#include <unistd.h>
+
+namespace fernwick::platform {
+
+namespace {
+
+// Whether a shell could have a variable of that name (POSIX.1, "Environment Variables"). Others are bash's
+// functions, and what env(1) would take for an option.
+bool isVariableName(std::string_view name) {
+    const auto fits = [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+    };
+    return !name.empty() && !(name.front() >= '0' && name.front() <= '9') && std::ranges::all_of(name, fits);
+}
+
+// The words before a command that is to run as the person; none where the script is the person's own.
+std::string commandPrefix(const std::optional<UpdatePerson>& person) {
+    if (!person) {
+        return {};
+    }
+    std::string words = "setpriv --reuid=" + std::to_string(person->user) +
+                        " --regid=" + std::to_string(person->group) + " --init-groups env -i";
+    for (const auto& [name, value] : person->environment) {
+        if (isVariableName(name)) {
+            words += " " + shellWord(name + "=" + value);
+        }
+    }
+    return words;
+}
+
+} // namespace
+
+std::string linuxUpdateScript(const UpdateSwap& swap, const std::optional<UpdatePerson>& person) {
+    return updateScript(
+        {.target = swap.target,
+         .source = swap.source,
+         .preparing = {"echo \"Making the program executable...\"", "program=\"`T`\"",
+                       "[ -d \"$program\" ] && program=\"$program/Fernwick\"", "chmod 755 \"$program\""},
+         .registering = {"echo \"Registering with the desktop...\"", "person=(" + commandPrefix(person) + ")",
+                         "\"${person[@]}\" sh -c 'update-desktop-database "
+                         "\"${XDG_DATA_HOME:-$HOME/.local/share}/applications\"' > /dev/null 2>&1"},
+         .definitions =
+             {"# In a session of its own; the script's background has INT and QUIT ignored, nohup HUP",
+              "start() {",
+              "    (cd / && exec setsid \"${person[@]}\" env --default-signal=HUP,INT,QUIT "
+              "\"$program\" < /dev/null > /dev/null 2>&1) &",
+              "    sleep 1", "    kill -0 $! 2> /dev/null || wait $!", "}", ""},
+         .opening = "start"});
+}
+
+CommandRequest LinuxUpdate::unpacking(const std::string& archive, const std::string& folder) const {
+    return {.executable = "/usr/bin/bsdtar",
+            .arguments = {"-x", "--no-same-owner", "--no-same-permissions", "--no-acls", "--no-fflags",
+                          "--no-xattrs", "-f", archive, "-C", folder}};
+}
+
+std::string LinuxUpdate::script(const UpdateSwap& swap) const {
+    return linuxUpdateScript(
+        swap,
+        swap.asAdministrator
+            ? std::optional(UpdatePerson{.user = getuid(), .group = getgid(), .environment = host_.variables()})
+            : std::nullopt);
+}
+
+std::expected<void, AdministratorError> LinuxUpdate::startAsAdministrator(const std::string& scriptPath) {
+    return shell_.run("nohup " + shellWord(scriptPath) + " > /dev/null 2>&1 &");
+}
+
+} // namespace fernwick::platform
