@@ -7,7 +7,7 @@ package=$1
 unit=/etc/systemd/system/com.fernwick.mihomo.service
 rule=/etc/polkit-1/rules.d/50-com.fernwick.mihomo.rules
 # Files that apt, dpkg and the libraries' own scripts keep about their work; they are not the package's.
-kept='^/(proc|sys|dev|run|tmp|root|home)(/|$)|^/var/(cache|log|lib/(apt|dpkg|systemd|ucf))(/|$)|^/etc/(ld\.so\.cache|(passwd|group|shadow|gshadow)-?|\.pwd\.lock)$'
+kept='^/(proc|sys|dev|run|tmp|root|home)(/|$)|^/var/(cache|log|lib/(apt|dpkg|systemd|ucf))(/|$)|^/etc/(ld\.so\.cache|(passwd|group|shadow|gshadow|subuid|subgid)-?|\.pwd\.lock)$'
 
 say() { printf '  %s\n' "$*"; }
 fail() {

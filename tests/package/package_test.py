@@ -53,12 +53,14 @@ class PackageTest(unittest.TestCase):
         folder = tempfile.TemporaryDirectory(prefix="fernwick packages ")  # the blank is deliberate
         cls.addClassCleanup(folder.cleanup)
         cls.zip, cls.deb = only("Fernwick-*.zip"), only("fernwick_*.deb")
-        cls.version, cls.second, cls.day = run("packaging/release.py", cwd=REPOSITORY).split()
         cls.unpacked, cls.root = Path(folder.name) / "zip", Path(folder.name) / "deb"
         cls.unpacked.mkdir()
         run("bsdtar", "-xf", cls.zip, "-C", cls.unpacked)
         run("dpkg-deb", "--raw-extract", cls.deb, cls.root)
         cls.app = cls.unpacked / APP
+        # There may be newer commits than the packages: they know themselves when they were released.
+        cls.made = os.environ | {"SOURCE_DATE_EPOCH": f"{cls.root.joinpath(OPT).stat().st_mtime:.0f}"}
+        cls.version, _, cls.day = run("packaging/release.py", cwd=REPOSITORY, env=cls.made).split()
 
 
 class Folder(PackageTest):
@@ -85,8 +87,8 @@ class Folder(PackageTest):
     def test_binaries_tell_nothing_of_where_they_were_made(self) -> None:
         for name in BINARIES:
             content = (self.app / name).read_bytes()
-            for place in (REPOSITORY, PACKAGES.resolve(), Path.home(), Path("/home")):
-                self.assertNotIn(str(place).encode() + b"/", content, f"{name} knows {place}")
+            for place in (REPOSITORY, PACKAGES.resolve(), Path.home()):
+                self.assertFalse(f"{place}/".encode() in content, f"{name} knows {place}")
             sections = run("readelf", "--wide", "--sections", self.app / name)
             self.assertNotRegex(sections, r"\.(debug_|symtab|comment\.path)", name)
             dynamic = run("readelf", "--wide", "--dynamic", self.app / name)
@@ -114,7 +116,8 @@ class Folder(PackageTest):
         self.assertEqual((release.get("version"), release.get("date")), (self.version, self.day))
         self.assertIn(f'"{self.day}" "Fernwick {self.version}"', (self.app / "share/man/man1/fernwick.1").read_text())
         self.assertIn(f"## [{self.version}]", (self.app / "share/doc/CHANGELOG.md").read_text())
-        self.assertIn(self.version.encode(), (self.app / "Fernwick").read_bytes())
+        program = (self.app / "Fernwick").read_bytes()
+        self.assertTrue(self.version.encode("utf-16-le") in program, "the program knows its version")
 
 
 class Moved(PackageTest):
@@ -190,7 +193,7 @@ class Packing(PackageTest):
 
     def test_again_on_another_day_gives_the_same_bytes(self) -> None:
         before = [hashlib.sha256(path.read_bytes()).hexdigest() for path in (self.zip, self.deb)]
-        environment = os.environ | {"TZ": "Asia/Tokyo", "LC_ALL": "C.UTF-8", "SOURCE_DATE_EPOCH": self.second}
+        environment = self.made | {"TZ": "Asia/Tokyo", "LC_ALL": "C.UTF-8"}
         made = run("sh", "-c", "umask 077 && script/package --archives", cwd=REPOSITORY, env=environment)
         self.assertEqual([line.split()[0] for line in made.splitlines()[-2:]], before)
 
