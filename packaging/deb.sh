@@ -26,8 +26,10 @@ install -m 755 "$source/deb/postrm" root/DEBIAN/postrm
 # Which packages hold the libraries that ours are linked with. The tool wants to see a source package.
 printf 'Source: fernwick\nMaintainer: %s\n\nPackage: fernwick\nArchitecture: any\n' "$maintainer" >debian/control
 libraries=$(dpkg-shlibdeps -O root/opt/fernwick/Fernwick.app/Fernwick root/opt/fernwick/Fernwick.app/*.so)
+# In KiB as Debian's own tools count (deb-substvars(5), "Installed-Size"), whatever the file system here takes.
+size=$(find root -path root/DEBIAN -prune -o -printf '%y %s\n' | awk '{ sum += $1 == "f" ? int(($2 + 1023) / 1024) : 1 } END { print sum }')
 sed -e "s/@version@/$version/; s/@architecture@/$(dpkg --print-architecture)/" \
-  -e "s/@size@/$(du -k --apparent-size --summarize --exclude=DEBIAN root | cut -f 1)/" \
+  -e "s/@size@/$size/" \
   -e "s/@libraries@/${libraries#shlibs:Depends=}/" "$source/deb/control.in" >root/DEBIAN/control
 (cd root && find opt usr -type f -print0 | sort -z | xargs -0 md5sum) >root/DEBIAN/md5sums
 

@@ -6,8 +6,9 @@ set -euo pipefail
 package=$1
 unit=/etc/systemd/system/com.fernwick.mihomo.service
 rule=/etc/polkit-1/rules.d/50-com.fernwick.mihomo.rules
-# Files that apt, dpkg and the libraries' own scripts keep about their work; they are not the package's.
-kept='^/(proc|sys|dev|run|tmp|root|home)(/|$)|^/var/(cache|log|lib/(apt|dpkg|systemd|ucf))(/|$)|^/etc/(ld\.so\.cache|(passwd|group|shadow|gshadow|subuid|subgid)-?|\.pwd\.lock)$'
+# Files that apt, dpkg and the libraries' own scripts keep about their work; they are not the package's. An empty /opt goes
+# with the last package in it: so does dpkg with every folder that a package lists.
+kept='^/(proc|sys|dev|run|tmp|root|home)(/|$)|^/opt$|^/var/(cache|log|lib/(apt|dpkg|systemd|ucf))(/|$)|^/etc/(ld\.so\.cache|(passwd|group|shadow|gshadow|subuid|subgid)-?|\.pwd\.lock)$'
 
 say() { printf '  %s\n' "$*"; }
 fail() {
@@ -22,13 +23,13 @@ purge() { apt-get purge -y -qq --auto-remove fernwick >/tmp/apt.log 2>&1 || { ta
 run_as_user() {
   useradd --create-home anna 2>/dev/null
   local home=/home/anna
-  setsid setpriv --reuid anna --regid anna --clear-groups env HOME=$home QT_QPA_PLATFORM=offscreen fernwick &
+  setsid setpriv --reuid anna --regid anna --clear-groups env HOME=$home QT_QPA_PLATFORM=offscreen fernwick >/tmp/app.log 2>&1 &
   local started=$!
   for _ in $(seq 100); do
     [ -e $home/.local/share/Fernwick/instance.lock ] && pgrep -x Fernwick >/dev/null && break
     sleep 0.1
   done
-  [ -e $home/.local/share/Fernwick/instance.lock ] || fail "the application did not start"
+  [ -e $home/.local/share/Fernwick/instance.lock ] || { cat /tmp/app.log; fail "the application did not start"; }
   pgrep -x Fernwick >/dev/null || fail "no process is named Fernwick"
   [ "$(readlink "/proc/$(pgrep -x Fernwick)/exe")" = /opt/fernwick/Fernwick.app/Fernwick ] || fail "another program runs"
   kill "$(pgrep -x Fernwick)"

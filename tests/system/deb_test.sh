@@ -29,6 +29,7 @@ mkdir -p "$run/upper/etc/apt" "$run/upper/etc/ssl/certs" "$run/upper/usr/sbin" "
 chmod 1777 "$run/upper/var/tmp"
 # Packages come from where this machine gets its own: its sources, its proxy, its name server, whom it trusts.
 cp -L /etc/ssl/certs/ca-certificates.crt "$run/upper/etc/ssl/certs/ca-certificates.crt"
+touch "$run/upper/etc/apt/sources.list" # in the place of the one that debootstrap wrote
 for name in sources.list sources.list.d apt.conf.d; do
   [ ! -e "/etc/apt/$name" ] || cp -rL --no-preserve=ownership "/etc/apt/$name" "$run/upper/etc/apt/"
 done
