@@ -272,7 +272,7 @@ void FernwickApp::terminate() {
 }
 
 int FernwickApp::main(int argc, char** argv) {
-    // The kernel names a process after the link by which it was started; who looks for it knows one name.
+    // Started by a link, the process would be called as the link is; the update's script looks for this name.
     platform::nameThisThread("Fernwick");
     QCoreApplication::setApplicationName(QStringLiteral("Fernwick"));
     QCoreApplication::setApplicationVersion(QStringLiteral(FERNWICK_VERSION));

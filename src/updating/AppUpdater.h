@@ -27,12 +27,12 @@ struct AppUpdaterServices {
     platform::Dispatch& dispatch;
     platform::HttpClient& http;
     UpdateScreens& screens;
-    platform::ApplicationBundle& bundle;
+    const platform::ApplicationBundle& bundle;
     platform::FileSystem& files;
     platform::FileItems& items;
     platform::CommandRunner& commands;
     platform::UpdateSystem& system;
-    platform::HostEnvironment& host;
+    const platform::HostEnvironment& host;
 };
 
 class AppUpdater {

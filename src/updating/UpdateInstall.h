@@ -18,7 +18,7 @@ inline constexpr unsigned kUpdateScriptMode = 0755;
 
 // What an installation works with, and where.
 struct UpdateInstallServices {
-    platform::ApplicationBundle& bundle;
+    const platform::ApplicationBundle& bundle;
     platform::FileSystem& files;
     platform::FileItems& items;
     platform::CommandRunner& commands;

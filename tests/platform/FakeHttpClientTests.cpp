@@ -1,5 +1,6 @@
 #include "HttpClientContract.h"
 #include "support/FakeDispatch.h"
+#include "support/FakeFileSystem.h"
 #include "support/FakeHttpClient.h"
 
 namespace fernwick::platform {
@@ -25,12 +26,30 @@ public:
         client_->forget();
         client_->answer(status, body);
     }
-    void stayAway() { client_->stayAway(); }
-    void refuse() { client_->refuse(); }
+    void stayAway() {
+        client_->forget();
+        client_->stayAway();
+    }
+    void refuse() {
+        client_->forget();
+        client_->refuse();
+    }
+
+    static std::string folder() { return "/downloads"; }
+    [[nodiscard]] std::vector<std::string> files() const {
+        std::vector<std::string> paths;
+        for (const auto& [path, file] : disk_.files) {
+            paths.push_back(path);
+        }
+        return paths;
+    }
+    [[nodiscard]] std::string content(const std::string& path) const { return disk_.files.at(path).bytes; }
+    [[nodiscard]] unsigned mode(const std::string& path) const { return disk_.files.at(path).mode; }
 
 private:
     fakes::FakeDispatch dispatch_;
-    std::unique_ptr<fakes::FakeHttpClient> client_ = std::make_unique<fakes::FakeHttpClient>(dispatch_);
+    fakes::FakeFileSystem disk_;
+    std::unique_ptr<fakes::FakeHttpClient> client_ = std::make_unique<fakes::FakeHttpClient>(dispatch_, &disk_);
 };
 
 } // namespace

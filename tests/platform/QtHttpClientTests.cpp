@@ -1,7 +1,5 @@
 #include "HttpClientContract.h"
-#include "QtHarness.h"
-#include "platform/qt/QtHttpClient.h"
-#include "support/StandInServer.h"
+#include "QtHttpHarness.h"
 
 #include <cstdlib>
 
@@ -12,53 +10,6 @@ namespace {
 using namespace std::chrono_literals;
 using fakes::StandInServer;
 using End = StandInServer::End;
-
-class QtHttpHarness {
-public:
-    HttpClient* client() { return client_.get(); }
-    void destroyClient() { client_.reset(); }
-
-    template <class Condition>
-    [[nodiscard]] bool waitUntil(Condition condition) {
-        return qt_.waitUntil(condition);
-    }
-    // Longer than the time limit of any request that a test lets run out.
-    void settle() {
-        (void)fakes::staysTrue(
-            [] {
-                QCoreApplication::processEvents();
-                return true;
-            },
-            100ms);
-    }
-
-    [[nodiscard]] std::string url() const { return base_ + "/version"; }
-    void answer(int status, const std::string& body) {
-        serveAnew();
-        server_->answer(status, body);
-    }
-    void stayAway() { serveAnew(); }
-    void refuse() {
-        serveAnew();
-        server_.reset();
-    }
-    void answer(StandInServer::Answer answer) {
-        serveAnew();
-        server_->answer(std::move(answer));
-    }
-    [[nodiscard]] const StandInServer& server() const { return *server_; }
-
-private:
-    void serveAnew() {
-        server_ = std::make_unique<StandInServer>();
-        base_ = server_->base();
-    }
-
-    QtHarness qt_;
-    std::unique_ptr<StandInServer> server_;
-    std::string base_;
-    std::unique_ptr<QtHttpClient> client_ = std::make_unique<QtHttpClient>(qt_.dispatch());
-};
 
 class QtHttpClientTest : public testing::Test {
 protected:

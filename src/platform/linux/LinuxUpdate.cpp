@@ -4,8 +4,11 @@
 #include "platform/posix/UpdateScript.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 #include <unistd.h>
+#include <utility>
+#include <vector>
 
 namespace fernwick::platform {
 
@@ -20,37 +23,44 @@ bool isVariableName(std::string_view name) {
     return !name.empty() && !(name.front() >= '0' && name.front() <= '9') && std::ranges::all_of(name, fits);
 }
 
-// The words before a command that is to run as the person; none where the script is the person's own.
-std::string commandPrefix(const std::optional<UpdatePerson>& person) {
-    if (!person) {
-        return {};
-    }
-    std::string words = "setpriv --reuid=" + std::to_string(person->user) +
-                        " --regid=" + std::to_string(person->group) + " --init-groups env -i";
-    for (const auto& [name, value] : person->environment) {
+// What the script of root's needs to run a command as the person: the environment as lines of a shell, and the
+// words before the command. The lines come by descriptor 3, since everybody may read a process's arguments.
+std::vector<std::string> personLines(const UpdatePerson& person) {
+    std::string lines;
+    for (const auto& [name, value] : person.environment) {
         if (isVariableName(name)) {
-            words += " " + shellWord(name + "=" + value);
+            lines += "export " + shellWord(name + "=" + value) + "\n";
         }
     }
-    return words;
+    return {"environment=" + shellWord(lines),
+            "person=(setpriv --reuid=" + std::to_string(person.user) +
+                " --regid=" + std::to_string(person.group) + " --init-groups env -i",
+            R"x(    /bin/bash -c 'eval "$(cat <&3)"; exec "$@" 3<&-' bash))x"};
 }
 
 } // namespace
 
 std::string linuxUpdateScript(const UpdateSwap& swap, const std::optional<UpdatePerson>& person) {
+    const std::string before = person ? R"("${person[@]}" )" : "";
+    const std::string behind = person ? R"(3<<< "$environment" )" : "";
+    std::vector<std::string> registering{"echo \"Registering with the desktop...\""};
+    if (person) {
+        std::ranges::move(personLines(*person), std::back_inserter(registering));
+    }
+    registering.push_back(
+        before + "sh -c 'update-desktop-database \"${XDG_DATA_HOME:-$HOME/.local/share}/applications\"' " +
+        behind + "> /dev/null 2>&1");
     return updateScript(
         {.target = swap.target,
          .source = swap.source,
-         .preparing = {"echo \"Making the program executable...\"", "program=\"`T`\"",
+         .preparing = {"echo \"Making the program executable...\"", "program=\"" + swap.target + "\"",
                        "[ -d \"$program\" ] && program=\"$program/Fernwick\"", "chmod 755 \"$program\""},
-         .registering = {"echo \"Registering with the desktop...\"", "person=(" + commandPrefix(person) + ")",
-                         "\"${person[@]}\" sh -c 'update-desktop-database "
-                         "\"${XDG_DATA_HOME:-$HOME/.local/share}/applications\"' > /dev/null 2>&1"},
+         .registering = std::move(registering),
          .definitions =
              {"# In a session of its own; the script's background has INT and QUIT ignored, nohup HUP",
               "start() {",
-              "    (cd / && exec setsid \"${person[@]}\" env --default-signal=HUP,INT,QUIT "
-              "\"$program\" < /dev/null > /dev/null 2>&1) &",
+              "    (cd / && exec setsid " + before + "env --default-signal=HUP,INT,QUIT \"$program\" " +
+                  behind + "< /dev/null > /dev/null 2>&1) &",
               "    sleep 1", "    kill -0 $! 2> /dev/null || wait $!", "}", ""},
          .opening = "start"});
 }

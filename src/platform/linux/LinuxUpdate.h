@@ -20,8 +20,9 @@ struct UpdatePerson {
 // The script. It makes the program of the target executable, which is the target itself or `Fernwick` in a
 // folder; tells the desktop of changed entries; and starts the program in a session of its own. An attempt
 // fails when the program cannot be executed or fails within a second. With a person the last two steps are not
-// done as root, but as that person with that environment (setpriv(1), env(1)); variables whose names a shell
-// could not have are left out. The files are root's then.
+// done as root, but as that person with that environment and no other (setpriv(1)); variables whose names a
+// shell could not have are left out, and nothing of it can be read in a list of processes. The files are
+// root's then.
 [[nodiscard]] std::string linuxUpdateScript(const UpdateSwap& swap, const std::optional<UpdatePerson>& person);
 
 class LinuxUpdate final : public UpdateSystem {

@@ -9,15 +9,17 @@ CommandRequest macUnpacking(const std::string& archive, const std::string& folde
 }
 
 std::string macUpdateScript(std::string_view target, std::string_view source) {
+    const auto quoted = "\"" + std::string(target) + "\"";
     return updateScript({.target = target,
                          .source = source,
-                         .preparing = {"echo \"Removing quarantine...\"", "xattr -cr \"`T`\""},
+                         .preparing = {"echo \"Removing quarantine...\"", "xattr -cr " + quoted},
                          .registering = {"echo \"Registering with LaunchServices...\"",
                                          "/System/Library/Frameworks/CoreServices.framework/Versions/Current/"
                                          "Frameworks/LaunchServices.framework/Versions/Current/Support/"
-                                         "lsregister -f \"`T`\" 2>/dev/null"},
+                                         "lsregister -f " +
+                                             quoted + " 2>/dev/null"},
                          .definitions = {},
-                         .opening = "open \"`T`\""});
+                         .opening = "open " + quoted});
 }
 
 std::string macUpdateAppleScript(std::string_view scriptPath) {

@@ -46,13 +46,12 @@ std::string joined(const std::vector<std::string>& lines) {
 } // namespace
 
 std::string updateScript(const UpdateScriptParts& parts) {
+    const std::string target(parts.target);
     const std::string source(parts.source);
-    return withTarget(kWaiting, parts.target) + source + "\"\ncp -R \"" + source + "\" \"" +
-           withTarget("`T`\"\n\n" + joined(parts.preparing) + "\n" + joined(parts.registering) +
-                          "\necho \"Reopening...\"\nsleep 1\n\n" + joined(parts.definitions) +
-                          "# Retry open up to 3 times\nfor i in 1 2 3; do\n    " + parts.opening +
-                          " && break\n",
-                      parts.target) +
+    return withTarget(kWaiting, target) + source + "\"\ncp -R \"" + source + "\" \"" + target + "\"\n\n" +
+           joined(parts.preparing) + "\n" + joined(parts.registering) + "\necho \"Reopening...\"\nsleep 1\n\n" +
+           joined(parts.definitions) + "# Retry open up to 3 times\nfor i in 1 2 3; do\n    " + parts.opening +
+           " && break\n"
            "    echo \"Open attempt $i failed, retrying in 2s...\"\n    sleep 2\ndone\n\n"
            "echo \"[$(date)] Update finished!\"";
 }

@@ -8,7 +8,6 @@
 
 namespace fernwick::platform {
 
-// In lines, `T` between backquotes stands for the target.
 struct UpdateScriptParts {
     std::string_view target;
     std::string_view source;

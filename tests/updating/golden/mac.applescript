@@ -1,0 +1,1 @@
+do shell script "nohup " & quoted form of "/tmp/FernwickUpdate_0/update.sh" & " > /dev/null 2>&1 &" with administrator privileges

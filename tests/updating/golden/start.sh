@@ -1,0 +1,1 @@
+nohup "/tmp/FernwickUpdate_0/update.sh" > /dev/null 2>&1 & disown
