@@ -39,7 +39,7 @@ TEST(AdministratorScript, EscapesDoubleQuotesOnly) {
 TEST_P(PkexecShellRows, TellsWhatHappened) {
     fakes::FakeCommandRunner commands;
     commands.answer("/usr/bin/pkexec", GetParam().answer);
-    const auto result = PkexecShell(commands).run("true && false");
+    const auto result = PkexecShell(commands, "/nonexistent/program").run("true && false");
     EXPECT_EQ(result.has_value(), !GetParam().message.has_value());
     if (!result) {
         EXPECT_EQ(result.error().message, GetParam().message);
@@ -48,6 +48,17 @@ TEST_P(PkexecShellRows, TellsWhatHappened) {
     ASSERT_EQ(requests.size(), 1U);
     EXPECT_EQ(requests[0].arguments, (std::vector<std::string>{"/bin/sh", "-c", "true && false"}));
     EXPECT_EQ(requests[0].timeLimit, std::nullopt);
+}
+
+TEST(PkexecShell, RunsThePackagesProgramWhereItIsInstalled) {
+    fakes::FakeCommandRunner commands;
+    commands.answer("/usr/bin/pkexec", CommandResult{0, "", ""});
+    EXPECT_TRUE(PkexecShell(commands, "/bin/true").run("true && false").has_value());
+    EXPECT_TRUE(PkexecShell(commands, "/etc/passwd").run("true").has_value()); // cannot be executed
+    const auto requests = commands.requests();
+    ASSERT_EQ(requests.size(), 2U);
+    EXPECT_EQ(requests[0].arguments, (std::vector<std::string>{"/bin/true", "true && false"}));
+    EXPECT_EQ(requests[1].arguments, (std::vector<std::string>{"/bin/sh", "-c", "true"}));
 }
 
 INSTANTIATE_TEST_SUITE_P(

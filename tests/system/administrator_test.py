@@ -7,6 +7,7 @@ systemctl is a recorder. Needs root, since pkexec is a program that becomes root
 from __future__ import annotations
 
 import os
+import shutil
 import stat
 import subprocess
 import sys
@@ -14,7 +15,8 @@ import unittest
 from pathlib import Path
 
 from harness import namespace, wait_until
-from polkit_case import ANNA, BOB, GRANT_PKEXEC, IDS, RULES, PolkitCase
+from polkit_case import (ANNA, BOB, GRANT_PKEXEC, IDS, OUR_ACTION, OUR_PROGRAM, PACKAGING, RULES, SYSTEMS_ACTION,
+                         PolkitCase)
 
 PROGRAM = os.environ["FERNWICK_SERVICE_PROGRAM"]
 AGENT = Path(__file__).with_name("refusing_agent.py")
@@ -150,6 +152,22 @@ class AdministratorTest(PolkitCase):
         self.assertEqual((self.session.root / "who").read_text(), "0\n")
         self.assertEqual(self.administrator(ANNA, "echo went wrong >&2; false"), "refused: went wrong")
         self.assertEqual(self.administrator(ANNA, "false"), "refused: ")
+
+    def test_package_has_an_action_of_its_own(self) -> None:
+        """With the package's program polkit is asked for that action, and for it alone."""
+        line = f"id -u > {self.session.root}/whom"
+        shutil.copy(PACKAGING / OUR_PROGRAM.name, OUR_PROGRAM)
+        self.addCleanup(OUR_PROGRAM.unlink)
+        self.assertTrue(self.administrator(ANNA, line).startswith("refused: "))  # the system's action is granted only
+        (RULES / "10-test.rules").write_text(GRANT_PKEXEC.replace(SYSTEMS_ACTION, OUR_ACTION))
+        wait_until(lambda: self.administrator(ANNA, line) == "done", "the rule is read")
+        self.assertEqual((self.session.root / "whom").read_text(), "0\n")
+        self.assertEqual(self.administrator(ANNA, "echo went wrong >&2; false"), "refused: went wrong")
+        shell = self.run_as(ANNA, ["/usr/bin/pkexec", "/bin/sh", "-c", line])
+        self.assertEqual(shell.returncode, NOT_AUTHORIZED)
+        shown = subprocess.run(["pkaction", "--verbose", "--action-id", OUR_ACTION], capture_output=True, text=True)
+        for who in ("any", "inactive", "active"):
+            self.assertRegex(shown.stdout, rf"implicit {who}: +auth_admin\n")
 
     def test_end_of_the_application_waits_for_no_granted_line(self) -> None:
         """A line that root runs already cannot be killed by the user, and goes on."""

@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import os
 import pwd
+import shutil
 import subprocess
 import unittest
 from collections.abc import Sequence
@@ -15,9 +16,14 @@ RULES = Path("/etc/polkit-1/rules.d")
 # Both are accounts of this run only. The first one's name is one that would break out of a careless script.
 ANNA, BOB = 'o\'ba"n\\a', "bob"
 IDS = {ANNA: 42001, BOB: 42002}
-GRANT_PKEXEC = """polkit.addRule(function(action, subject) {
-    if (action.id == "org.freedesktop.policykit.exec" && subject.user != "bob") { return polkit.Result.YES; }
-});"""
+# What the package installs, and where.
+PACKAGING = Path(__file__).parents[2] / "packaging"
+ACTIONS = Path("/usr/share/polkit-1/actions")
+OUR_PROGRAM = Path("/usr/libexec/fernwick-administrator")
+SYSTEMS_ACTION, OUR_ACTION = "org.freedesktop.policykit.exec", "com.fernwick.Fernwick.administrator"
+GRANT_PKEXEC = f"""polkit.addRule(function(action, subject) {{
+    if (action.id == "{SYSTEMS_ACTION}" && subject.user != "bob") {{ return polkit.Result.YES; }}
+}});"""
 
 
 class PolkitCase(unittest.TestCase):
@@ -36,6 +42,7 @@ class PolkitCase(unittest.TestCase):
         cls.make_accounts()
         subprocess.run(["mount", "-t", "tmpfs", "-o", "mode=755", "tmpfs", "/run"], check=True)
         Path("/run/dbus").mkdir(parents=True)
+        cls.install_action()
         cls.prepare()
         os.environ.pop("DBUS_SYSTEM_BUS_ADDRESS", None)
         cls.session.environment.pop("DBUS_SYSTEM_BUS_ADDRESS", None)
@@ -61,6 +68,17 @@ class PolkitCase(unittest.TestCase):
         passwd.write_text(lines)
         passwd.chmod(0o644)
         namespace.bind(passwd, Path("/etc/passwd"))
+
+    @classmethod
+    def install_action(cls) -> None:
+        """Puts the package's action beside the system's own, and takes its program away, should it be installed."""
+        actions = cls.session.root / "actions"
+        shutil.copytree(ACTIONS, actions)
+        shutil.copy(PACKAGING / "com.fernwick.Fernwick.policy", actions)
+        namespace.bind(actions, ACTIONS)
+        libexec = cls.session.root / "libexec"
+        libexec.mkdir()
+        namespace.bind(libexec, OUR_PROGRAM.parent)
 
     @staticmethod
     def become(user: str) -> list[str]:

@@ -2,6 +2,9 @@
 
 #include "platform/linux/Trimmed.h"
 
+#include <unistd.h>
+#include <vector>
+
 namespace fernwick::platform {
 
 namespace {
@@ -12,7 +15,10 @@ constexpr int kDismissed = 126; // pkexec(1), "RETURN VALUE"
 } // namespace
 
 std::expected<void, AdministratorError> PkexecShell::run(const std::string& line) {
-    const auto result = commands_.run({.executable = kPkexec, .arguments = {"/bin/sh", "-c", line}});
+    auto words = access(program_.c_str(), X_OK) == 0 ? std::vector<std::string>{program_}
+                                                     : std::vector<std::string>{"/bin/sh", "-c"};
+    words.push_back(line);
+    const auto result = commands_.run({.executable = kPkexec, .arguments = std::move(words)});
     if (!result) {
         return std::unexpected(AdministratorError{std::string(kPkexec) + ": " + result.error().description});
     }

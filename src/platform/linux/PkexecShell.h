@@ -5,12 +5,20 @@
 #include "platform/AdministratorShell.h"
 #include "platform/CommandRunner.h"
 
+#include <string>
+#include <utility>
+
 namespace fernwick::platform {
+
+// Runs its only argument as a line of /bin/sh. A package installs it where only root can write, with an action
+// of polkit for it: the prompt then names the application, and rules can tell its lines from other programs'.
+inline constexpr const char* kAdministratorProgram = "/usr/libexec/fernwick-administrator";
 
 class PkexecShell final : public AdministratorShell {
 public:
-    // The runner outlives the shell.
-    explicit PkexecShell(CommandRunner& commands) : commands_(commands) {}
+    // The runner outlives the shell. `program` is what stands for `/bin/sh -c` where it is installed.
+    explicit PkexecShell(CommandRunner& commands, std::string program = kAdministratorProgram)
+        : commands_(commands), program_(std::move(program)) {}
 
     // Without a time limit, since a person answers. Exit status 126 (the prompt was dismissed) is told as
     // kAdministratorCanceled; any other failure in the words that were written to standard error.
@@ -18,6 +26,7 @@ public:
 
 private:
     CommandRunner& commands_;
+    const std::string program_;
 };
 
 } // namespace fernwick::platform
