@@ -125,11 +125,10 @@ ChildLauncher::ChildLauncher() {
     }
 }
 
-std::expected<LaunchedChild, LaunchError> ChildLauncher::launch(const std::string& executable,
-                                                                const std::vector<std::string>& arguments,
-                                                                const Environment* environment,
-                                                                const std::string& workingFolder,
-                                                                ChildOutput wanted, ChildSession session) const {
+std::expected<LaunchedChild, LaunchError>
+ChildLauncher::launch(const std::string& executable, const std::vector<std::string>& arguments,
+                      const Environment* environment, const std::string& workingFolder, ChildOutput wanted,
+                      ChildSession session) const {
     std::vector<std::string> words{executable};
     words.insert(words.end(), arguments.begin(), arguments.end());
     auto variables = environment != nullptr ? environmentWords(*environment) : std::vector<std::string>();

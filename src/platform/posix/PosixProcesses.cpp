@@ -14,10 +14,9 @@ std::expected<void, LaunchError> PosixChildProcess::launch(ProcessRequest reques
         const int code = reactor ? EBUSY : ECANCELED;
         return std::unexpected(LaunchError{code, describeError(code)});
     }
-    auto launched =
-        launcher_.launch(request.executable, request.arguments, &request.environment, request.workingFolder,
-                         request.discardsOutput ? ChildOutput::nullDevice : ChildOutput::pipe,
-                         ChildSession::own);
+    auto launched = launcher_.launch(
+        request.executable, request.arguments, &request.environment, request.workingFolder,
+        request.discardsOutput ? ChildOutput::nullDevice : ChildOutput::pipe, ChildSession::own);
     if (!launched) {
         return std::unexpected(std::move(launched.error()));
     }
