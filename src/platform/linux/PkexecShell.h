@@ -11,7 +11,7 @@
 namespace fernwick::platform {
 
 // Runs its only argument as a line of /bin/sh. A package installs it where only root can write, with an action
-// of polkit for it: the prompt then names the application, and rules can tell its lines from other programs'.
+// of polkit for it: the prompt then shows the line instead of "/bin/sh", and rules can be made for it alone.
 inline constexpr const char* kAdministratorProgram = "/usr/libexec/fernwick-administrator";
 
 class PkexecShell final : public AdministratorShell {
