@@ -65,9 +65,12 @@ say "started by its link, as a user"
 mkdir -p "$(dirname $unit)" "$(dirname $rule)"
 touch $unit $rule /opt/fernwick/Fernwick.app/of-an-update
 chown -R root: /opt/fernwick
+touch /opt/fernwick/of-a-person
 cp -a /home/anna /tmp/anna
 purge
 userdel anna
+[ -e /opt/fernwick/of-a-person ] || fail "the purge took what is not the package's"
+rm -r /opt/fernwick
 rmdir --ignore-fail-on-non-empty -p "$(dirname $unit)" "$(dirname $rule)" 2>/dev/null || true
 everything >/tmp/after
 diff /tmp/before /tmp/after >/tmp/left || { cat /tmp/left; fail "the purge left other files than it found"; }
