@@ -36,6 +36,8 @@ class PolkitCase(unittest.TestCase):
         """Makes the accounts and folders, and starts the bus and polkitd."""
         if os.geteuid() != 0:
             raise RuntimeError("this test needs root")
+        if not namespace.inside():
+            raise RuntimeError("this test mounts over the system's files, and only does so in a namespace of its own")
         cls.session = Session()
         cls.addClassCleanup(cls.session.close)
         cls.session.root.chmod(0o755)
