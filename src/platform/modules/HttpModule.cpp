@@ -7,3 +7,7 @@ extern "C" [[gnu::visibility("default")]] fernwick::platform::HttpClient*
 fernwickMakeHttpClient(fernwick::platform::Dispatch& dispatch) {
     return new fernwick::platform::QtHttpClient(dispatch); // the caller owns it
 }
+
+extern "C" [[gnu::visibility("default")]] const char* fernwickModuleVersion() {
+    return FERNWICK_VERSION;
+}

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <dlfcn.h>
+#include <string_view>
 #include <utility>
 
 namespace fernwick::platform {
@@ -14,7 +15,13 @@ constexpr const char* kMissing = "The part of the application that asks the netw
 
 void* loadFromModule(const std::string& path, const char* name) {
     void* module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    void* found = module != nullptr ? dlsym(module, name) : nullptr;
+    void* version = module != nullptr ? dlsym(module, kModuleVersion) : nullptr;
+    if (version != nullptr &&
+        reinterpret_cast<ModuleVersion>(version)() != std::string_view(FERNWICK_VERSION)) {
+        std::fprintf(stderr, "Fernwick: %s is another version's; start Fernwick anew\n", path.c_str());
+        return nullptr;
+    }
+    void* found = version != nullptr ? dlsym(module, name) : nullptr;
     if (found == nullptr) {
         const char* reason = dlerror(); // NOLINT(concurrency-mt-unsafe): glibc keeps it by thread
         std::fprintf(stderr, "Fernwick: a part of the application is missing: %s\n", reason);

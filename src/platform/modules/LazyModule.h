@@ -13,7 +13,7 @@
 namespace fernwick::platform {
 
 // The function of that name in a library, which stays loaded; null, with a line on standard error, when there
-// is none.
+// is none, or when the library is another version's: a package may have replaced it while the application runs.
 [[nodiscard]] void* loadFromModule(const std::string& path, const char* name);
 
 // HTTP by the module `libfernwick_http.so`, loaded with the first request. Without it every request fails.
@@ -57,9 +57,11 @@ private:
     std::unique_ptr<Keychain> keychain_;
 };
 
-// What the modules export under these names.
+// What the modules export under these names; the first one the version that they were built for.
+using ModuleVersion = const char* (*)();
 using MakeHttpClient = HttpClient* (*)(Dispatch&);
 using MakeKeychain = Keychain* (*)(const HostEnvironment&);
+inline constexpr const char* kModuleVersion = "fernwickModuleVersion";
 inline constexpr const char* kMakeHttpClient = "fernwickMakeHttpClient";
 inline constexpr const char* kMakeKeychain = "fernwickMakeKeychain";
 
