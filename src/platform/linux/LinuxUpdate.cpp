@@ -66,9 +66,10 @@ std::string linuxUpdateScript(const UpdateSwap& swap, const std::optional<Update
 }
 
 CommandRequest LinuxUpdate::unpacking(const std::string& archive, const std::string& folder) const {
+    // With a password it does not ask for one, which it would do on the terminal, and wait.
     return {.executable = "/usr/bin/bsdtar",
             .arguments = {"-x", "--no-same-owner", "--no-same-permissions", "--no-acls", "--no-fflags",
-                          "--no-xattrs", "-f", archive, "-C", folder}};
+                          "--no-xattrs", "--passphrase", "none", "-f", archive, "-C", folder}};
 }
 
 std::string LinuxUpdate::script(const UpdateSwap& swap) const {
