@@ -71,6 +71,7 @@ std::expected<void, std::string> takeDownload(const UpdateInstallServices& servi
                                               const std::string& downloaded, const std::string& archive) {
     (void)services.items.remove(archive); // there may be none, and what cannot go makes the move fail
     if (const auto moved = services.items.move(downloaded, archive); !moved) {
+        (void)services.items.remove(downloaded); // nobody knows its name, so nobody else would
         return std::unexpected("Failed to move zip file: " + moved.error().description);
     }
     return {};

@@ -26,8 +26,8 @@ struct UpdateInstallServices {
     std::string temporaryFolder; // absolute
 };
 
-// Moves the downloaded file to the archive's path, where an older one goes. On failure, the message for the
-// person.
+// Moves the downloaded file to the archive's path, where an older one goes. On failure the downloaded
+// file is removed too, and what comes back is the message for the person.
 [[nodiscard]] std::expected<void, std::string>
 takeDownload(const UpdateInstallServices& services, const std::string& downloaded, const std::string& archive);
 

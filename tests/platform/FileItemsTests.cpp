@@ -252,6 +252,34 @@ TEST(PosixFileItems, MovesToAnotherDisk) {
     }).join();
 }
 
+// Somebody lets a folder and a link change places all the time, as they may in a folder of theirs.
+TEST(PosixFileItems, RemovingFollowsNoLinkThatTakesAFoldersPlace) {
+    const PosixItemsHarness harness;
+    harness.folder("elsewhere");
+    harness.file("elsewhere/precious", "text", 0600, 1);
+    harness.link("link", "elsewhere");
+    const auto inside = harness / "old/a";
+    const auto link = harness / "link";
+    std::jthread attacker([&](const std::stop_token& stop) {
+        while (!stop.stop_requested()) {
+            renameat2(AT_FDCWD, inside.c_str(), AT_FDCWD, link.c_str(), RENAME_EXCHANGE);
+        }
+    });
+    PosixFileItems items;
+    for (int round = 0; round < 10'000 && fs::exists(harness / "elsewhere/precious"); ++round) {
+        std::error_code ignored; // of what the attacker has just moved
+        fs::create_directories(inside, ignored);
+        (void)items.remove(harness / "old");
+        if (!fs::is_symlink(link, ignored)) {
+            (void)items.remove(link);
+            fs::create_symlink("elsewhere", link, ignored);
+        }
+    }
+    attacker.request_stop();
+    attacker.join();
+    EXPECT_TRUE(fs::exists(harness / "elsewhere/precious"));
+}
+
 TEST(PosixFileItems, AFolderReachedByALinkIsNotPutIntoItself) {
     PosixItemsHarness harness;
     harness.folder("old");

@@ -69,12 +69,14 @@ class UpdateSwapTest(PolkitCase):
             made.writestr("Fernwick.app/Info.plist", "<plist/>")
         return path
 
-    def install(self, user: str, archive: Path, target: Path, **variables: str) -> subprocess.Popen[str]:
+    def install(self, user: str, archive: Path, target: Path, *, umask: int = 0o022,
+                **variables: str) -> subprocess.Popen[str]:
         """The application, which installs the archive over itself."""
         environment = {"PATH": "/usr/bin:/bin", "HOME": str(self.session.root / str(IDS[user])),
                        "TMPDIR": str(self.temporary)} | variables
         return subprocess.Popen([*self.become(user), PROGRAM, str(self.temporary), str(archive), str(target)],
-                                env=environment, cwd="/", text=True, stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+                                env=environment, cwd="/", umask=umask, text=True, stdin=subprocess.PIPE,
+                                stdout=subprocess.PIPE)
 
     def swap(self, application: subprocess.Popen[str]) -> tuple[list[str], dict[str, str]]:
         """Lets the application end, and returns what the new one tells: its lines, and its environment."""
@@ -114,6 +116,21 @@ class UpdateSwapTest(PolkitCase):
         for item in (self.target, *self.target.iterdir()):
             self.assertEqual((item.stat().st_uid, item.stat().st_gid), (0, 0), item)
         self.assertFalse(Path("/tmp/broken").exists())
+
+    def test_root_follows_nobodys_link_and_keeps_nothing_for_itself(self) -> None:
+        """Somebody's link where the log goes, and a mask that keeps the person's files from everybody."""
+        self.give(ANNA, self.temporary)
+        victim = self.place / "victim"
+        victim.write_text("precious")
+        LOG.symlink_to(victim)
+        os.lchown(LOG, IDS[BOB], IDS[BOB])
+        lines, _ = self.swap(self.install(ANNA, self.archive(), self.target, umask=0o077))
+        self.assertEqual(lines[:2], [str(IDS[ANNA])] * 2)
+        self.assertEqual(victim.read_text(), "precious")
+        self.assertEqual((LOG.lstat().st_mode & 0o170000, LOG.lstat().st_uid), (0o100000, 0))
+        for item in (self.target, self.target / "Fernwick"):
+            self.assertEqual(item.stat().st_mode & 0o7777, 0o755, item)
+        self.assertEqual((self.target / "Info.plist").stat().st_mode & 0o044, 0o044)
 
     def test_refused_rights_change_nothing(self) -> None:
         """Who may not is told so, and keeps the old application."""

@@ -110,6 +110,7 @@ TEST(AppUpdater, ArchiveThatCannotBeMovedIsAnError) {
     world.disk.undeletable.insert("/tmp/Fernwick.zip");
     world.update("https://maker.example/Fernwick.zip", true);
     EXPECT_THAT(world.errors(), ElementsAre("Failed to move zip file: File exists"));
+    EXPECT_EQ(world.disk.files.size(), 1U) << "what was downloaded is gone";
     world.dispatch.advance(1h);
     EXPECT_THAT(world.terminations, IsEmpty());
 }

@@ -51,6 +51,7 @@ protected:
         const auto run = runner_.run(update_.unpacking(archive(), folder_ / "work"));
         ASSERT_TRUE(run) << run.error().description;
         status_ = run->status;
+        said_ = run->standardError;
     }
 
     // What lies outside of the working folder, but for what the test itself made.
@@ -79,6 +80,7 @@ protected:
     ChildLauncher launcher_;
     PosixCommandRunner runner_{launcher_};
     int status_ = -1;
+    std::string said_;
 };
 
 TEST_F(Unpacking, ProperArchiveComesWhole) {
@@ -138,6 +140,19 @@ TEST_F(Unpacking, BitsThatGiveRightsAreDropped) {
     unpack("add('Fernwick.app/Fernwick', 'x', 0o107777)\nadd('Fernwick.app/shared/', '', 0o043777)");
     EXPECT_EQ(modeOf(folder_ / "work/Fernwick.app/Fernwick") & 07022U, 0U);
     EXPECT_EQ(modeOf(folder_ / "work/Fernwick.app/shared") & 07022U, 0U);
+}
+
+TEST_F(Unpacking, NobodyIsAskedForThePasswordOfAnEncryptedArchive) {
+    folder_.write("Fernwick.app", "new");
+    const auto made =
+        runner_.run({.executable = "/usr/bin/bsdtar",
+                     .arguments = {"--format", "zip", "--options", "zip:encryption=zipcrypt", "--passphrase",
+                                   "secret", "-cf", archive(), "-C", folder_.path(), "Fernwick.app"}});
+    ASSERT_TRUE(made && made->status == 0) << (made ? made->standardError : made.error().description);
+    run();
+    EXPECT_NE(status_, 0);
+    EXPECT_FALSE(said_.contains("Enter passphrase")) << said_.substr(0, 100);
+    EXPECT_TRUE(said_.contains("Incorrect passphrase")) << said_.substr(0, 100);
 }
 
 TEST_F(Unpacking, WhatIsNoArchiveGivesNothing) {

@@ -116,7 +116,8 @@ TEST(LinuxUpdate, ScriptIsStartedByOneLineOfRoots) {
     RecordingShell shell;
     LinuxUpdate update(host, shell);
     EXPECT_TRUE(update.startAsAdministrator("/tmp/o'neil/update.sh"));
-    EXPECT_THAT(shell.lines, testing::ElementsAre("nohup '/tmp/o'\\''neil/update.sh' > /dev/null 2>&1 &"));
+    EXPECT_THAT(shell.lines, testing::ElementsAre("rm -f /tmp/fernwick_update.log; "
+                                                  "nohup '/tmp/o'\\''neil/update.sh' > /dev/null 2>&1 &"));
     shell.answer = std::unexpected(AdministratorError{kAdministratorCanceled});
     const auto refused = update.startAsAdministrator("/tmp/update.sh");
     ASSERT_FALSE(refused);

@@ -43,6 +43,13 @@ std::vector<std::string> personLines(const UpdatePerson& person) {
 std::string linuxUpdateScript(const UpdateSwap& swap, const std::optional<UpdatePerson>& person) {
     const std::string before = person ? R"("${person[@]}" )" : "";
     const std::string behind = person ? R"(3<<< "$environment" )" : "";
+    std::vector<std::string> preparing{
+        "echo \"Making the program executable...\"", "program=\"" + swap.target + "\"",
+        "[ -d \"$program\" ] && program=\"$program/Fernwick\"", "chmod 755 \"$program\""};
+    if (person) {
+        // The files are root's now, and the person's mask may have kept them from everybody else.
+        preparing.push_back("chmod -R a+rX \"" + swap.target + "\"");
+    }
     std::vector<std::string> registering{"echo \"Registering with the desktop...\""};
     if (person) {
         std::ranges::move(personLines(*person), std::back_inserter(registering));
@@ -53,8 +60,7 @@ std::string linuxUpdateScript(const UpdateSwap& swap, const std::optional<Update
     return updateScript(
         {.target = swap.target,
          .source = swap.source,
-         .preparing = {"echo \"Making the program executable...\"", "program=\"" + swap.target + "\"",
-                       "[ -d \"$program\" ] && program=\"$program/Fernwick\"", "chmod 755 \"$program\""},
+         .preparing = std::move(preparing),
          .registering = std::move(registering),
          .definitions =
              {"# In a session of its own; the script's background has INT and QUIT ignored, nohup HUP",
@@ -66,9 +72,10 @@ std::string linuxUpdateScript(const UpdateSwap& swap, const std::optional<Update
 }
 
 CommandRequest LinuxUpdate::unpacking(const std::string& archive, const std::string& folder) const {
+    // With a password it does not ask for one, which it would do on the terminal, and wait.
     return {.executable = "/usr/bin/bsdtar",
             .arguments = {"-x", "--no-same-owner", "--no-same-permissions", "--no-acls", "--no-fflags",
-                          "--no-xattrs", "-f", archive, "-C", folder}};
+                          "--no-xattrs", "--passphrase", "none", "-f", archive, "-C", folder}};
 }
 
 std::string LinuxUpdate::script(const UpdateSwap& swap) const {
@@ -80,7 +87,9 @@ std::string LinuxUpdate::script(const UpdateSwap& swap) const {
 }
 
 std::expected<void, AdministratorError> LinuxUpdate::startAsAdministrator(const std::string& scriptPath) {
-    return shell_.run("nohup " + shellWord(scriptPath) + " > /dev/null 2>&1 &");
+    // Of another user's log in /tmp, the kernel lets not even root write to it (fs.protected_regular, proc(5));
+    // and a link there would lead root anywhere.
+    return shell_.run("rm -f /tmp/fernwick_update.log; nohup " + shellWord(scriptPath) + " > /dev/null 2>&1 &");
 }
 
 } // namespace fernwick::platform

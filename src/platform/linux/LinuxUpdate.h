@@ -22,7 +22,7 @@ struct UpdatePerson {
 // fails when the program cannot be executed or fails within a second. With a person the last two steps are not
 // done as root, but as that person with that environment and no other (setpriv(1)); variables whose names a
 // shell could not have are left out, and nothing of it can be read in a list of processes. The files are
-// root's then.
+// root's then, and everybody may read them.
 [[nodiscard]] std::string linuxUpdateScript(const UpdateSwap& swap, const std::optional<UpdatePerson>& person);
 
 class LinuxUpdate final : public UpdateSystem {
@@ -31,11 +31,14 @@ public:
     LinuxUpdate(const HostEnvironment& host, AdministratorShell& shell) : host_(host), shell_(shell) {}
 
     // By bsdtar, which refuses paths that lead upwards or through links and takes absolute ones as relative
-    // unless it is told otherwise; owners, attributes, set-user-ID and the like are dropped.
+    // unless it is told otherwise; owners, attributes, set-user-ID and the like are dropped, and
+    // what is encrypted stays packed.
     [[nodiscard]] CommandRequest unpacking(const std::string& archive,
                                            const std::string& folder) const override;
 
     [[nodiscard]] std::string script(const UpdateSwap& swap) const override;
+
+    // The log of an earlier script goes first.
     [[nodiscard]] std::expected<void, AdministratorError>
     startAsAdministrator(const std::string& scriptPath) override;
 

@@ -149,19 +149,11 @@ int removeTree(const std::string& path) {
     if (lstat(path.c_str(), &status) != 0) {
         return errno;
     }
-    if (!S_ISDIR(status.st_mode)) {
-        return errorOf(unlink(path.c_str()));
-    }
-    const auto names = namesIn(path);
-    if (!names) {
-        return names.error();
-    }
-    for (const auto& name : *names) {
-        if (const int code = removeTree(path + "/" + name); code != 0) {
-            return code;
-        }
-    }
-    return errorOf(rmdir(path.c_str()));
+    // Goes by descriptors from folder to folder. By paths, whoever may rename in one of them, as the owner of a
+    // folder in /tmp may, could have us walk through a link that has just taken a folder's place.
+    std::error_code error;
+    std::filesystem::remove_all(path, error);
+    return error.value();
 }
 
 void clearTree(const std::string& path) {

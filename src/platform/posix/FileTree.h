@@ -15,7 +15,8 @@ namespace fernwick::platform {
 // EOPNOTSUPP for a pipe, a socket or a device. What was copied before a failure stays.
 [[nodiscard]] int copyTree(const std::string& from, const std::string& to);
 
-// Removes an item and all below it. The first error ends it.
+// Removes an item and all below it, and nothing elsewhere, though others rename in it meanwhile. The first
+// error ends it.
 [[nodiscard]] int removeTree(const std::string& path);
 
 // The same for a tree of our own making, folders that nobody may change included; goes as far as it can.

@@ -22,6 +22,7 @@ echo "Making the program executable..."
 program="/opt/Fernwick.app"
 [ -d "$program" ] && program="$program/Fernwick"
 chmod 755 "$program"
+chmod -R a+rX "/opt/Fernwick.app"
 
 echo "Registering with the desktop..."
 environment='export '\''DISPLAY=:0'\''
