@@ -7,36 +7,20 @@
 set -euo pipefail
 
 [ $# -ge 1 ] || { sed -n '2,6s/^# \{0,1\}//p' "$0"; exit 2; }
-[ "$(id -u)" -eq 0 ] || { echo "error: root is needed to make another root" >&2; exit 1; }
 repository=$(cd "$(dirname "$0")/../.." && pwd)
+# shellcheck source=tests/system/machine.sh
+. "$repository/tests/system/machine.sh"
 mkdir -p "$1"
 folder=$(realpath "$1")
 package=${2:-$(find "$repository/build/package" -maxdepth 1 -name 'fernwick_*.deb')}
 [ -f "$package" ] || { echo "error: no package; run script/package first" >&2; exit 1; }
 
-say() { printf '\033[1m==> %s\033[0m\n' "$*"; }
-
-if [ ! -e "$folder/base/etc/fresh-machine" ]; then
-  say "Installing Debian 12 into $folder/base"
-  debootstrap --variant=minbase --include=ca-certificates bookworm "$folder/base" >"$folder/base.log" 2>&1 ||
-    { tail -n 20 "$folder/base.log" >&2; exit 1; }
-  touch "$folder/base/etc/fresh-machine"
-fi
-
+install_debian "$folder/base" ca-certificates
 run=$(mktemp -d "$folder/run.XXXXXX")
 trap 'rm -rf "$run"' EXIT
-mkdir -p "$run/upper/etc/apt" "$run/upper/etc/ssl/certs" "$run/upper/usr/sbin" "$run/upper/var/tmp" "$run/work" "$run/machine"
+mkdir -p "$run/upper/var/tmp" "$run/work" "$run/machine"
 chmod 1777 "$run/upper/var/tmp"
-# Packages come from where this machine gets its own: its sources, its proxy, its name server, whom it trusts.
-cp -L /etc/ssl/certs/ca-certificates.crt "$run/upper/etc/ssl/certs/ca-certificates.crt"
-touch "$run/upper/etc/apt/sources.list" # in the place of the one that debootstrap wrote
-for name in sources.list sources.list.d apt.conf.d; do
-  [ ! -e "/etc/apt/$name" ] || cp -rL --no-preserve=ownership "/etc/apt/$name" "$run/upper/etc/apt/"
-done
-cp -L /etc/resolv.conf "$run/upper/etc/resolv.conf"
-echo '127.0.0.1 localhost' >"$run/upper/etc/hosts"
-printf '#!/bin/sh\nexit 101\n' >"$run/upper/usr/sbin/policy-rc.d" # no package starts a service
-chmod +x "$run/upper/usr/sbin/policy-rc.d"
+lend_network "$run/upper"
 # The laboratory that drives the application is no part of the package; it comes from the repository.
 mkdir -p "$run/upper/root/fernwick"
 (cd "$repository" && cp -r --parents -t "$run/upper/root/fernwick" script/demo tests/system tests/package)

@@ -6,39 +6,25 @@
 set -euo pipefail
 
 [ $# -ge 1 ] || { sed -n '2,5s/^# \{0,1\}//p' "$0"; exit 2; }
-[ "$(id -u)" -eq 0 ] || { echo "error: root is needed to make another root" >&2; exit 1; }
+# shellcheck source=tests/system/machine.sh
+. "$(dirname "$0")/machine.sh"
 repository=$(git -C "$(dirname "$0")" rev-parse --show-toplevel)
 mkdir -p "$1"
 machine=$(realpath "$1")
 shift
 [ $# -gt 0 ] || set -- bash -c 'time script/run --demo --once && time script/test'
 
-say() { printf '\033[1m==> %s\033[0m\n' "$*"; }
-
-if [ ! -e "$machine/etc/fresh-machine" ]; then
-  say "Installing Debian 12 into $machine"
-  debootstrap --variant=minbase --include=git,ca-certificates bookworm "$machine" >"$machine.log" 2>&1 ||
-    { tail -n 20 "$machine.log" >&2; exit 1; }
-  touch "$machine/etc/fresh-machine"
-fi
+install_debian "$machine" git,ca-certificates
 
 say "Cloning $(git -C "$repository" log -1 --format='%h %s')"
 rm -rf "$machine/root/fernwick"
 git clone --quiet "file://$repository" "$machine/root/fernwick"
 
-# Packages come from where this machine gets its own: its sources, its proxy, its name server, whom it trusts.
-cp -L /etc/ssl/certs/ca-certificates.crt "$machine/etc/ssl/certs/ca-certificates.crt"
-rm -f "$machine/etc/apt/sources.list"
-for name in sources.list sources.list.d apt.conf.d; do
-  [ ! -e "/etc/apt/$name" ] || cp -rL --no-preserve=ownership "/etc/apt/$name" "$machine/etc/apt/"
-done
-cp -L /etc/resolv.conf "$machine/etc/resolv.conf"
-echo '127.0.0.1 localhost' >"$machine/etc/hosts"
-printf '#!/bin/sh\nexit 101\n' >"$machine/usr/sbin/policy-rc.d" # no package starts a service
-chmod +x "$machine/usr/sbin/policy-rc.d"
+lend_network "$machine"
 
 say "Running in it: $*"
 export machine
+# shellcheck disable=SC2016 # the inner shell expands it
 exec unshare --mount --pid --fork --kill-child --propagation private -- bash -c '
   set -e
   mount --bind "$machine" "$machine" # the root of a machine is a mount point
