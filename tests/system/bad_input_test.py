@@ -83,6 +83,11 @@ class Files(SystemTest):
         wait_until(lambda: len(self.preferences.tunnels()) == 1, "the tunnel is stored")
         self.assertEqual(self.preferences.read()["other"], [1, {"a": b"\0"}])
 
+    def sample_is_stored(self) -> bool:
+        """Whether the file is there again and holds the sample of a first start."""
+        path = self.preferences.path
+        return path.exists() and [tunnel["name"] for tunnel in self.preferences.tunnels()] == [SAMPLE]
+
     def test_unreadable_files_are_set_aside(self) -> None:
         self.preferences.seed(**{stored.TUNNELS: [stored.tunnel("Old")]})
         whole = self.preferences.path.read_bytes()
@@ -92,7 +97,7 @@ class Files(SystemTest):
                 self.preferences.path.write_bytes(content)
                 app = self.start_as_is()
                 self.assert_starts_with(app, SAMPLE)
-                wait_until(lambda: self.preferences.tunnels()[0]["name"] == SAMPLE, "the sample is stored")
+                wait_until(self.sample_is_stored, "the sample is stored")
                 self.assertTrue(all(".unreadable-" in path.name for path in self.copies(content)))
                 self.assertEqual(len(self.copies(content)), 1)
                 self.assertIn(str(self.preferences.path), app.stderr())
@@ -104,8 +109,7 @@ class Files(SystemTest):
         self.preferences.path.chmod(0)
         app = self.start_as_is()
         self.assert_starts_with(app, SAMPLE)
-        wait_until(lambda: self.preferences.path.exists() and self.preferences.tunnels()[0]["name"] == SAMPLE,
-                   "the sample is stored")
+        wait_until(self.sample_is_stored, "the sample is stored")
         self.assertEqual(len(self.copies(content)), 1)
         self.assertIn(str(self.preferences.path), app.stderr())
 
