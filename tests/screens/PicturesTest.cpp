@@ -172,12 +172,10 @@ TEST_P(Pictures, FourTunnels) {
 TEST_P(Pictures, SelectedWithLog) {
     open();
     addFour();
-    auto& logs = bench.manager.logs();
-    const auto& id = tunnels[0].id;
-    logs.append(LogLevel::info, "🔑 Dùng passphrase từ Keychain cho key", id);
-    logs.append(LogLevel::warning, "⚠ Password auth nhưng password trống", id);
-    logs.append(LogLevel::error, "channel 2: open failed: administratively prohibited: open failed", id);
-    logs.append(LogLevel::error, "Process exited (code: 255) — Network error or host unreachable", id);
+    bench.processes.launched().front()->emitStandardError(
+        "Warning: Permanently added 'db1.internal.example.com' (ED25519) to the list of known hosts.\n"
+        "channel 2: open failed: administratively prohibited: open failed\n");
+    bench.settle();
     choose(0);
     turnTo("logsTabButton");
     save(*bench.window, "selected");
