@@ -78,7 +78,7 @@ void ClashManager::rebuildNow() {
 }
 
 void ClashManager::scheduleRebuild(std::vector<Tunnel> tunnels, TunnelPortMap tunnelPorts,
-                                   std::vector<ProxyConfig> proxies, std::vector<AppRule> rules) {
+                                   std::shared_ptr<const RoutedRules> routed) {
     if (!isEnabled_) {
         return;
     }
@@ -89,9 +89,9 @@ void ClashManager::scheduleRebuild(std::vector<Tunnel> tunnels, TunnelPortMap tu
     rebuildDebounce_ = services_.dispatch.oneShotTimer(
         first ? kFirstTunnelDelay : kRebuildDelay,
         [this, number = ++schedule_, tunnels = std::move(tunnels), tunnelPorts = std::move(tunnelPorts),
-         proxies = std::move(proxies), rules = std::move(rules)]() mutable {
+         routed = std::move(routed)]() mutable {
             if (schedule_ == number) {
-                applyConfig(std::move(tunnels), tunnelPorts, proxies, rules);
+                applyConfig(std::move(tunnels), tunnelPorts, routed->proxies, routed->enabled);
             }
         });
 }

@@ -10,6 +10,7 @@
 #include "platform/HostEnvironment.h"
 #include "routing/ClashEngine.h"
 #include "routing/ProxyRuleStore.h"
+#include "routing/RoutedRules.h"
 #include "routing/SilentInstall.h"
 #include "support/Signal.h"
 #include "support/StandardOutput.h"
@@ -62,7 +63,7 @@ public:
     // Applies a configuration of these a second later, two with the first live tunnel. Takes the place of what
     // was scheduled before.
     void scheduleRebuild(std::vector<Tunnel> tunnels, TunnelPortMap tunnelPorts,
-                         std::vector<ProxyConfig> proxies, std::vector<AppRule> rules);
+                         std::shared_ptr<const RoutedRules> routed);
 
     // Hands the engine a configuration of these, unless it is the text that it got last. Of the tunnels those
     // count that are live by `tunnelPorts`.

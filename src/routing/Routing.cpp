@@ -40,18 +40,20 @@ void Routing::setTunnelStore(TunnelStore& store) {
 
 void Routing::scheduleRebuild(std::vector<Tunnel> tunnels, TunnelPortMap ports) {
     if (manager_) {
-        manager_->scheduleRebuild(std::move(tunnels), std::move(ports), services_.rules.proxies(),
-                                  services_.rules.enabledRules());
+        manager_->scheduleRebuild(std::move(tunnels), std::move(ports), routedRules());
     }
 }
 
 void Routing::applySystemProxy(TunnelPortMap ports) {
-    // Fifty tunnels that come up at once share one copy of ten thousand rules.
+    systemProxy_->apply(services_.engine.dispatch, routedRules(), std::move(ports));
+}
+
+std::shared_ptr<const RoutedRules> Routing::routedRules() {
     if (!routed_) {
         routed_ =
             std::make_shared<const RoutedRules>(services_.rules.enabledRules(), services_.rules.proxies());
     }
-    systemProxy_->apply(services_.engine.dispatch, routed_, std::move(ports));
+    return routed_;
 }
 
 void Routing::removeAllProxy(std::string_view reason, bool wait) {

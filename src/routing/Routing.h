@@ -52,6 +52,9 @@ public:
     [[nodiscard]] ClashManager* manager() { return manager_ ? &*manager_ : nullptr; }
 
 private:
+    // The proxies and the enabled rules as they are now.
+    [[nodiscard]] std::shared_ptr<const RoutedRules> routedRules();
+
     RoutingServices services_;
     std::shared_ptr<SystemProxyPath> systemProxy_; // shared with what is queued
     std::shared_ptr<const RoutedRules> routed_;    // null after a change, until it is asked for

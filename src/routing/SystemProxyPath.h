@@ -5,9 +5,8 @@
 #pragma once
 
 #include "platform/Dispatch.h"
-#include "routing/AppRule.h"
 #include "routing/PACServer.h"
-#include "routing/ProxyConfig.h"
+#include "routing/RoutedRules.h"
 #include "routing/SystemProxyManager.h"
 
 #include <atomic>
@@ -19,12 +18,6 @@
 #include <vector>
 
 namespace fernwick {
-
-// What a script is built from, as it was at one moment.
-struct RoutedRules {
-    std::vector<AppRule> enabled;
-    std::vector<ProxyConfig> proxies;
-};
 
 class SystemProxyPath : public std::enable_shared_from_this<SystemProxyPath> {
 public:

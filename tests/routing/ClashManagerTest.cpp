@@ -85,7 +85,8 @@ struct ManagerWorld : EngineWorld {
     }
 
     void schedule() const {
-        manager->scheduleRebuild(tunnels.tunnels(), ports, rules.proxies(), rules.enabledRules());
+        manager->scheduleRebuild(tunnels.tunnels(), ports,
+                                 std::make_shared<const RoutedRules>(rules.enabledRules(), rules.proxies()));
     }
 
     // The reloads so far.
