@@ -8,7 +8,6 @@
 #include "screens/menubar/MenuBarIconView.h"
 #include "screens/menubar/MenuBarPopover.h"
 #include "support/FakeHttpClient.h"
-#include "support/FakeNetworkProxySettings.h"
 #include "support/FakeServiceControl.h"
 
 #include <QApplication>
@@ -19,12 +18,14 @@
 #include <QTimer>
 
 #include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <functional>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 
 namespace fernwick {
@@ -80,12 +81,33 @@ private:
     int pids_ = 100000;
 };
 
+// The settings of one desktop, each of whose commands is a process of its own that we wait for.
+class PaperSettings final : public platform::NetworkProxySettings {
+public:
+    [[nodiscard]] std::vector<std::string> allNetworkServices() override { return {"Desktop"}; }
+    [[nodiscard]] std::string activeAutoProxyURL(const std::string& /*service*/) override {
+        waitForCommand();
+        return {};
+    }
+    void setAutoProxyURL(const std::string& /*service*/, std::string_view /*url*/) override {
+        waitForCommand();
+    }
+    void setAutoProxyState(const std::string& /*service*/, bool /*on*/) override { waitForCommand(); }
+    void setSocksFirewallProxyOff(const std::string& /*service*/) override { waitForCommand(); }
+    void setWebProxyOff(const std::string& /*service*/) override { waitForCommand(); }
+    void setSecureWebProxyOff(const std::string& /*service*/) override { waitForCommand(); }
+
+private:
+    // What one gsettings(1) takes.
+    static void waitForCommand() { std::this_thread::sleep_for(std::chrono::milliseconds(10)); }
+};
+
 struct Place : benchmarks::Machine {
     PaperProcesses processes{dispatch};
     fakes::FakeHttpClient http{dispatch};
     fakes::FakeServiceControl service{quiet.files};
     fakes::FakeAdministratorShell administrator;
-    fakes::FakeNetworkProxySettings settings;
+    PaperSettings settings;
     ProxyRuleStore rules{*defaults, dispatch};
     std::function<TunnelPortMap()> live;
     Routing routing{{.engine = {.dispatch = dispatch,

@@ -308,6 +308,7 @@ void TunnelManager::refreshSystemProxy(const std::optional<support::Uuid>& id,
 void TunnelManager::refreshClashRules() {
     // The configuration knows live tunnels only, so the records of the others are not copied at each change.
     std::vector<Tunnel> tunnels;
+    tunnels.reserve(tunnelPortMap_.size());
     if (const auto* store = services_.routing.tunnelStore(); store != nullptr) {
         std::ranges::copy_if(store->tunnels(), std::back_inserter(tunnels),
                              [this](const auto& tunnel) { return tunnelPortMap_.contains(tunnel.id); });
