@@ -1,6 +1,6 @@
 // How much of the processor the application takes while two hundred tunnels change their state once a second
-// each, with the popover and the main window open and fifty rules routed. The children, the engine's service
-// and the desktop's settings are made up. Prints one JSON object.
+// each, with the popover and the main window open; with the argument "routed", fifty rules lead to some of
+// them. The children, the engine's service and the desktop's settings are made up. Prints one JSON object.
 #include "Application.h"
 #include "SampleCatalogue.h"
 #include "routing/Routing.h"
@@ -110,6 +110,7 @@ struct Place : benchmarks::Machine {
     PaperSettings settings;
     ProxyRuleStore rules{*defaults, dispatch};
     std::function<TunnelPortMap()> live;
+    NoRouting unrouted;
     Routing routing{{.engine = {.dispatch = dispatch,
                                 .clock = clock,
                                 .files = quiet.files,
@@ -142,12 +143,14 @@ void addRules(ProxyRuleStore& rules, const std::vector<Tunnel>& tunnels) {
 
 // The application with its icon and its popover.
 struct World : Place, benchmarks::Application {
-    World(Theme& theme, const std::vector<Tunnel>& added)
-        : Application(theme, *this, processes, routing, added) {
+    World(Theme& theme, const std::vector<Tunnel>& added, bool routed)
+        : Application(theme, *this, processes, routed ? static_cast<RoutingLayer&>(routing) : unrouted, added) {
         live = [this] { return tunnels.tunnelPortMap(); };
-        quiet.files.files[kEngine] = {"program", 0755};
-        addRules(rules, added);
-        routing.setTunnelStore(store);
+        if (routed) {
+            quiet.files.files[kEngine] = {"program", 0755};
+            addRules(rules, added);
+            routing.setTunnelStore(store);
+        }
         auto* list = window.findChild<QListView*>(QStringLiteral("tunnelList"));
         list->setCurrentIndex(list->model()->index(1, 0)); // behind the sample
         popover.refresh();
@@ -216,9 +219,9 @@ double processorTime() {
     return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
 }
 
-void measure(Theme& theme) {
+void measure(Theme& theme, bool routed) {
     const auto tunnels = benchmarks::sampleTunnels(kTunnels, "Tunnel");
-    World world(theme, tunnels);
+    World world(theme, tunnels, routed);
     const Churn churn(world, tunnels);
     runFor(kWarmUp);
     const int before = churn.count();
@@ -248,6 +251,6 @@ int main(int argc, char** argv) {
     qputenv("XDG_DATA_HOME", home.path().toLocal8Bit());
     QApplication application(argc, argv);
     fernwick::Theme theme(application, fernwick::Appearance::light);
-    fernwick::measure(theme);
+    fernwick::measure(theme, QApplication::arguments().contains(QStringLiteral("routed")));
     return 0;
 }

@@ -158,12 +158,14 @@ def runtime(report: Report, _check: bool) -> None:
 
 def changes(report: Report, _check: bool) -> None:
     """What two hundred tunnels cost that change their state again and again."""
-    print("200 tunnels whose states change all the time, popover and main window open, fifty rules routed")
+    print("200 tunnels whose states change all the time, popover and main window open")
     program = BUILD / "benchmarks" / "fernwick_changes_benchmark"
-    said = subprocess.run([program], check=True, capture_output=True, text=True).stdout.splitlines()
-    figures = json.loads(next(line for line in said if line.startswith("{")))  # the routing layer prints lines too
-    report.line("changes in a second", figures["changesPerSecond"], "", 190, True)
-    report.line("processor time, all threads together", figures["percent"], "%", 5)
+    for argument, name, limit in (("", "processor time, all threads together", 5),
+                                  ("routed", "the same with fifty rules routed", 7)):
+        said = subprocess.run([program, argument], check=True, capture_output=True, text=True).stdout.splitlines()
+        figures = json.loads(next(line for line in said if line.startswith("{")))  # the routing layer prints lines too
+        report.line("changes in a second", figures["changesPerSecond"], "", 190, True)
+        report.line(name, figures["percent"], "%", limit)
 
 
 def tunnels(report: Report, check: bool) -> None:
