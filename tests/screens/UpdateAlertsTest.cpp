@@ -201,7 +201,8 @@ TEST_F(UpdateAlertsTest, ClosesEverySheetOfEveryWindowAndNothingElse) {
 }
 
 TEST_F(UpdateAlertsTest, MarkupAndControlCharactersAreText) {
-    const std::string notes("<b>bold</b>&amp;<img src='http://127.0.0.1/'>\u202E\x1B[31m\0\u0007", 59);
+    using namespace std::string_literals;
+    const auto notes = "<b>bold</b>&amp;<img src='http://127.0.0.1/'>\u202E\x1B[31m\0\u0007"s;
     bench.ask(UpdateBench::prompt(notes));
     const auto shown = text("updatePrompt", "updatePromptText");
     EXPECT_TRUE(shown.contains("<b>bold</b>&amp;<img src='http://127.0.0.1/'> [31m  ")) << shown;
