@@ -194,11 +194,13 @@ class AdministratorTest(PolkitCase):
         # a child of it as the shell's was.
         script = 'read -r go; /usr/bin/pkexec /bin/true; echo $?; exec "$0" administrator true'
         words = self.session.root / "agent"
-        with subprocess.Popen([*self.become(BOB), "sh", "-c", script, PROGRAM], env={}, text=True, start_new_session=True,
+        # the repository may lie where only root can read
+        agent, program = (shutil.copy(file, self.session.root) for file in (AGENT, PROGRAM))
+        with subprocess.Popen([*self.become(BOB), "sh", "-c", script, program], env={}, text=True, start_new_session=True,
                               stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE) as actor:
             wait_until(lambda: os.stat(f"/proc/{actor.pid}").st_uid == IDS[BOB], "the actor is that user")
             with words.open("wb") as stderr:
-                self.session.start([*self.become(BOB), sys.executable, "-B", AGENT, str(actor.pid)], stderr=stderr)
+                self.session.start([*self.become(BOB), sys.executable, "-B", agent, str(actor.pid)], stderr=stderr)
             wait_until(lambda: "ready" in words.read_text(), "the agent is registered")
             output, error = actor.communicate("go\n", timeout=60)
         self.assertEqual(output, f"{DISMISSED}\nrefused: User canceled\n", error)
