@@ -41,7 +41,7 @@ class Idle(SshTest):
         grown = {thread: after[thread] - before.get(thread, 0) for thread in after}
         print(f"idle, {what}: {used} ticks and {sum(grown.values())} wake-ups in {WATCH:g} s, "
               f"{len(after)} threads: {({name: count for name, count in grown.items() if count})}")
-        self.assertEqual(used, 0)
+        self.assertLessEqual(used, 1)  # the kernel may count the share of an earlier one late
         self.assertLessEqual(sum(grown.values()), WAKE_UPS, grown)
 
     def test_window_alone_is_idle(self) -> None:
