@@ -140,10 +140,7 @@ TEST_F(QtHttpClientTest, AnswerWithoutALengthEndsWithItsConnection) {
 }
 
 TEST_F(QtHttpClientTest, LongAnswerComesWhole) {
-    std::string body;
-    for (int number = 0; body.size() < 6'000'000; ++number) {
-        body += std::to_string(number);
-    }
+    const auto body = QtHttpHarness::longBody(6'000'000);
     harness_.answer(200, body);
     const auto result = get();
     ASSERT_TRUE(result) << result.error().description;

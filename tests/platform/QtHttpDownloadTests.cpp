@@ -66,10 +66,7 @@ private:
 } // namespace
 
 TEST_F(QtHttpDownload, LongBodyComesWhole) {
-    std::string body;
-    for (int number = 0; body.size() < 20'000'000; ++number) {
-        body += std::to_string(number);
-    }
+    const auto body = QtHttpHarness::longBody(20'000'000);
     harness_.answer(200, body);
     const auto path = get();
     ASSERT_TRUE(path) << path.error().description;

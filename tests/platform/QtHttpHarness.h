@@ -37,6 +37,15 @@ public:
             std::chrono::milliseconds(100));
     }
 
+    // At least so many bytes, no piece of which is like another.
+    [[nodiscard]] static std::string longBody(std::size_t size) {
+        std::string body;
+        for (int number = 0; body.size() < size; ++number) {
+            body += std::to_string(number);
+        }
+        return body;
+    }
+
     [[nodiscard]] std::string url() const { return base_ + "/version"; }
     void answer(int status, const std::string& body) {
         serveAnew();
