@@ -350,14 +350,36 @@ TEST_F(PosixProcessesTest, ChildrenDieWithTheirApplication) {
 TEST_F(PosixProcessesTest, HandleOutlivesTheProcesses) {
     auto harness = std::make_unique<PosixProcessesHarness>();
     const auto child = harness->processes().makeChild();
-    ASSERT_TRUE(PosixProcessesHarness::launchSleeper(*child, told_.handlers()));
     const auto unlaunched = harness->processes().makeChild();
+    // The end of the processes asks it to end too, so only one that does not listen is sure to be there still.
+    ASSERT_TRUE(PosixProcessesHarness::launchScript(*child, "trap '' TERM; echo deaf >&2; exec sleep 1000",
+                                                    told_.handlers()));
     toKill_.push_back(child->pid());
+    ASSERT_TRUE(harness->waitUntil([&] { return told_.all().size() == 1; }));
     harness.reset();
-    EXPECT_TRUE(child->isRunning());
     child->terminate();
+    EXPECT_TRUE(fakes::staysTrue([&] { return child->isRunning(); }));
+    const auto launched = PosixProcessesHarness::launchSleeper(*unlaunched, told_.handlers());
+    ASSERT_FALSE(launched);
+    EXPECT_EQ(launched.error().code, ECANCELED);
+    EXPECT_FALSE(unlaunched->isRunning());
+    kill(child->pid(), SIGKILL);
     EXPECT_TRUE(fakes::waitUntil([&] { return !child->isRunning(); }));
-    EXPECT_TRUE(told_.all().empty());
+    EXPECT_EQ(told_.all(), std::vector<std::string>{"E:deaf\n"});
+}
+
+TEST_F(PosixProcessesTest, EndOfTheProcessesAsksTheirChildrenToEnd) {
+    auto harness = std::make_unique<PosixProcessesHarness>();
+    const auto child = harness->processes().makeChild();
+    ASSERT_TRUE(PosixProcessesHarness::launchScript(*child, "sleep 1000 & echo $! >&2; exec sleep 1000",
+                                                    told_.handlers()));
+    toKill_.push_back(child->pid());
+    ASSERT_TRUE(harness->waitUntil([&] { return told_.all().size() == 1; }));
+    const int grandchild = std::stoi(told_.all()[0].substr(2));
+    toKill_.push_back(grandchild);
+    harness.reset();
+    EXPECT_TRUE(fakes::waitUntil([&] { return !child->isRunning() && isGone(grandchild); }));
+    EXPECT_EQ(told_.all().size(), 1U) << "nobody listens any more";
 }
 
 } // namespace fernwick::platform
