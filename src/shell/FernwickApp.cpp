@@ -257,7 +257,11 @@ FernwickApp::FernwickApp(QApplication& application)
 FernwickApp::~FernwickApp() = default;
 
 int FernwickApp::run() {
-    if (backends_->instance.claim() == platform::SingleInstance::Claim::second) {
+    using Instance = platform::SingleInstance;
+    const auto start = QCoreApplication::arguments().contains(QLatin1String(platform::kHiddenArgument.data()))
+                           ? Instance::Start::hidden
+                           : Instance::Start::shown;
+    if (backends_->instance.claim(start) == Instance::Claim::second) {
         return EXIT_SUCCESS;
     }
     const platform::TerminationSignals signals(backends_->dispatch, [this] { application_.quit(); });
@@ -272,7 +276,7 @@ int FernwickApp::run() {
     backends_->power.start();
     scene_->delegate.applicationDidFinishLaunching();
     std::optional<HiddenStart> hidden;
-    if (QCoreApplication::arguments().contains(QLatin1String(platform::kHiddenArgument.data()))) {
+    if (start == Instance::Start::hidden) {
         scene_->mainWindow.stayHidden();
         hidden.emplace(backends_->tray, backends_->dispatch, [this] { scene_->mainWindow.open(); });
     } else {

@@ -19,6 +19,7 @@ namespace fernwick::platform {
 namespace {
 
 using Claim = SingleInstance::Claim;
+using Start = SingleInstance::Start;
 
 class BusHarness {
 public:
@@ -34,11 +35,11 @@ public:
     std::unique_ptr<SingleInstance> make() { return std::make_unique<DBusSingleInstance>(host_); }
 
     // Another start, on a thread of its own, since the first has to answer meanwhile.
-    Claim claimElsewhere() {
+    Claim claimElsewhere(Start start = Start::shown) {
         std::atomic<bool> done = false;
         Claim claim{};
         std::thread other([&] {
-            claim = make()->claim();
+            claim = make()->claim(start);
             done = true;
         });
         EXPECT_TRUE(fakes::waitUntil([] { QCoreApplication::processEvents(); }, [&] { return done.load(); }));
@@ -50,7 +51,7 @@ public:
     // Another start while the first does not answer.
     Claim claimUnanswered() {
         Claim claim{};
-        std::thread([&] { claim = make()->claim(); }).join();
+        std::thread([&] { claim = make()->claim(Start::shown); }).join();
         return claim;
     }
 
@@ -74,7 +75,7 @@ INSTANTIATE_TYPED_TEST_SUITE_P(DBus, SingleInstanceContract, BusHarness);
 TEST(DBusSingleInstance, DesktopRaisesTheApplicationByEachOfItsCalls) {
     BusHarness harness;
     const auto first = harness.make();
-    ASSERT_EQ(first->claim(), Claim::first);
+    ASSERT_EQ(first->claim(Start::shown), Claim::first);
     int reopened = 0;
     const auto subscription = first->reopened.connect([&] { ++reopened; });
     auto desktop =
@@ -101,7 +102,7 @@ TEST(DBusSingleInstance, DesktopRaisesTheApplicationByEachOfItsCalls) {
 TEST(DBusSingleInstance, HungFirstInstanceDoesNotHangTheSecond) {
     BusHarness harness;
     const auto first = harness.make();
-    ASSERT_EQ(first->claim(), Claim::first);
+    ASSERT_EQ(first->claim(Start::shown), Claim::first);
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(harness.claimUnanswered(), Claim::second);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
@@ -111,7 +112,7 @@ TEST(DBusSingleInstance, WithoutABusTheLockFileTells) {
     BusHarness harness;
     harness.useNoBus();
     auto first = harness.make();
-    ASSERT_EQ(first->claim(), Claim::first);
+    ASSERT_EQ(first->claim(Start::shown), Claim::first);
     EXPECT_EQ(harness.claimUnanswered(), Claim::second);
     first.reset();
     EXPECT_EQ(harness.claimUnanswered(), Claim::first);
@@ -120,13 +121,13 @@ TEST(DBusSingleInstance, WithoutABusTheLockFileTells) {
 TEST(DBusSingleInstance, BusWithNobodyBehindItCountsAsNone) {
     BusHarness harness;
     harness.useBus("unix:path=" + (harness.folder() / "nobody"));
-    EXPECT_EQ(harness.make()->claim(), Claim::first);
+    EXPECT_EQ(harness.make()->claim(Start::shown), Claim::first);
 }
 
 TEST(DBusSingleInstance, AnotherBusWithTheSameHomeIsFound) {
     BusHarness harness;
     const auto first = harness.make();
-    ASSERT_EQ(first->claim(), Claim::first);
+    ASSERT_EQ(first->claim(Start::shown), Claim::first);
     const PrivateBus other;
     harness.useBus(other.address());
     EXPECT_EQ(harness.claimElsewhere(), Claim::second);
@@ -142,7 +143,7 @@ TEST(DBusSingleInstance, FolderThatCannotBeWrittenIsToldAndNoHindrance) {
     harness.useSupportFolder(harness.folder() / "file");
     const auto instance = harness.make();
     testing::internal::CaptureStderr();
-    EXPECT_EQ(instance->claim(), Claim::first);
+    EXPECT_EQ(instance->claim(Start::shown), Claim::first);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "[SingleInstance] " +
                                                           (harness.folder() / "file/instance.lock") +
                                                           " cannot be locked: Not a directory\n");

@@ -7,7 +7,9 @@ namespace {
 
 struct FakeInstanceHarness {
     std::unique_ptr<SingleInstance> make() { return std::make_unique<fakes::FakeSingleInstance>(session); }
-    SingleInstance::Claim claimElsewhere() { return make()->claim(); }
+    SingleInstance::Claim claimElsewhere(SingleInstance::Start start = SingleInstance::Start::shown) {
+        return make()->claim(start);
+    }
     std::shared_ptr<fakes::FakeSingleInstance::Session> session =
         std::make_shared<fakes::FakeSingleInstance::Session>();
 };

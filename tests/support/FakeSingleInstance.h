@@ -24,12 +24,14 @@ public:
         }
     }
 
-    [[nodiscard]] Claim claim() override {
+    [[nodiscard]] Claim claim(Start start) override {
         if (session_->first == nullptr || session_->first == this) {
             session_->first = this;
             return Claim::first;
         }
-        session_->first->reopened.emit();
+        if (start == Start::shown) {
+            session_->first->reopened.emit();
+        }
         return Claim::second;
     }
 

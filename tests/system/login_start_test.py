@@ -158,6 +158,16 @@ class Hidden(AtLogin):
         self.assertEqual(app.rows(), ["One"])
         self.assertEqual(self.session.processes("Fernwick"), [app.pid])
 
+    def test_second_start_by_the_entry_disturbs_nobody(self) -> None:
+        host = self.host()
+        app = self.start_by_entry()
+        host.item()
+        second = subprocess.run([program(), "--hidden"], env=self.session.environment, timeout=10,
+                                capture_output=True)
+        self.assertEqual((second.returncode, second.stderr), (0, b""))
+        self.assert_no_window(app, 1)
+        self.assertEqual(self.session.processes("Fernwick"), [app.pid])
+
     def test_settings_open_from_the_icon_without_the_main_window(self) -> None:
         host = self.host()
         app = self.start_by_entry()

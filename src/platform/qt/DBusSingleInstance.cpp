@@ -28,10 +28,12 @@ DBusSingleInstance::~DBusSingleInstance() {
     leaveBus();
 }
 
-SingleInstance::Claim DBusSingleInstance::claim() {
+SingleInstance::Claim DBusSingleInstance::claim(Start start) {
     const auto onBus = claimOnBus();
     if (onBus == BusClaim::takenByOther) {
-        askOtherToShowItself();
+        if (start == Start::shown) {
+            askOtherToShowItself();
+        }
         leaveBus();
         return Claim::second;
     }

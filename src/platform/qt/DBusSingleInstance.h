@@ -28,7 +28,7 @@ public:
     DBusSingleInstance& operator=(const DBusSingleInstance&) = delete;
     ~DBusSingleInstance() override;
 
-    [[nodiscard]] Claim claim() override;
+    [[nodiscard]] Claim claim(Start start) override;
 
 private:
     enum class BusClaim { unavailable, owned, takenByOther };
