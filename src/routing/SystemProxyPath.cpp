@@ -6,6 +6,14 @@
 
 namespace fernwick {
 
+namespace {
+
+// From the start to the look at what a killed run left in the settings. Each desktop is asked by programs of
+// its own, and the first window is to have the processors for itself.
+constexpr platform::Duration kSettling{500};
+
+} // namespace
+
 SystemProxyPath::SystemProxyPath(platform::NetworkProxySettings& settings, const platform::Clock& clock,
                                  std::uint16_t pacPort, support::PrintLine print)
     : server_(pacPort),
@@ -23,9 +31,10 @@ void SystemProxyPath::takeTurn(Request request, Work work) {
 
 void SystemProxyPath::start(platform::Dispatch& dispatch) {
     server_.start();
-    dispatch.global(platform::Priority::background, [path = shared_from_this(), request = ++newest_] {
-        path->takeTurn(request, [&] { path->manager_.clearStale(path->server_.pacURL()); });
-    });
+    dispatch.globalAfter(
+        platform::Priority::background, kSettling, [path = shared_from_this(), request = ++newest_] {
+            path->takeTurn(request, [&] { path->manager_.clearStale(path->server_.pacURL()); });
+        });
 }
 
 void SystemProxyPath::apply(platform::Dispatch& dispatch, std::shared_ptr<const RoutedRules> rules,

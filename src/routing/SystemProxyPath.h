@@ -27,8 +27,8 @@ public:
     SystemProxyPath(const SystemProxyPath&) = delete;
     SystemProxyPath& operator=(const SystemProxyPath&) = delete;
 
-    // Starts serving; soon after, a setting that still points here from a run that was killed is taken away,
-    // unless a request came before that. Main thread.
+    // Starts serving; half a second after, a setting that still points here from a run that was killed is taken
+    // away, unless a request came before that. Main thread.
     void start(platform::Dispatch& dispatch);
 
     // Has the settings follow these ports, later, on a queue of background priority, unless a newer request has

@@ -167,9 +167,23 @@ TEST(Routing, AddressOfAKilledRunIsTakenBackAtTheStart) {
     RoutingWorld world;
     world.settings.setState("Wi-Fi", {.url = world.url(), .autoProxy = true});
     world.routing.startPacServer();
+    world.dispatch.advance(499ms);
+    EXPECT_TRUE(world.settings.calls().empty()) << "the first window has the processors for itself";
     EXPECT_TRUE(world.settings.state("Wi-Fi").autoProxy);
-    world.dispatch.runAll();
+    world.dispatch.advance(1ms);
     EXPECT_FALSE(world.settings.state("Wi-Fi").autoProxy);
+}
+
+TEST(SystemProxyPath, LookAtTheStartKeepsOffWhatWasAskedForSince) {
+    RoutingWorld world;
+    const auto path =
+        std::make_shared<SystemProxyPath>(world.settings, world.clock, world.port, [](std::string_view) {});
+    path->start(world.dispatch);
+    path->apply(world.dispatch, std::make_shared<const RoutedRules>(), world.live);
+    world.dispatch.advance(1s);
+    EXPECT_TRUE(world.settings.state("Wi-Fi").autoProxy);
+    EXPECT_EQ(world.settings.state("Wi-Fi").url, world.url());
+    path->stop();
 }
 
 TEST(SystemProxyPath, NewestRequestDecidesWhateverTheOrder) {
@@ -182,7 +196,7 @@ TEST(SystemProxyPath, NewestRequestDecidesWhateverTheOrder) {
     path->apply(slow, rules, world.live);
     path->apply(world.dispatch, rules, {});
     world.dispatch.runAll();
-    slow.runAll();
+    slow.advance(1s);
     EXPECT_FALSE(world.settings.state("Wi-Fi").autoProxy);
     EXPECT_THAT(world.settings.calls(), Not(Contains("auto Wi-Fi on")));
     path->stop();
