@@ -1,7 +1,9 @@
-// What the user feels with 10,000 tunnels: a key in the search field, and a frame while the list scrolls.
+// What the user feels with 10,000 tunnels: a key in the search field, and a frame while the list scrolls; and
+// with 200 the click on the menu-bar icon.
 #include "screens/Coalescer.h"
 #include "screens/main/ContentView.h"
 #include "screens/main/MainWindow.h"
+#include "shell/MenuBarExtraWindow.h"
 #include "support/FakeClock.h"
 #include "support/FakeDispatch.h"
 #include "support/FakeHostEnvironment.h"
@@ -26,10 +28,11 @@ namespace {
 using namespace fernwick;
 
 constexpr int kTunnels = 10000;
+constexpr int kTunnelsInPopover = 200;
 
-std::string catalogue() {
+std::string catalogue(int count) {
     std::vector<Tunnel> tunnels;
-    for (int number = 0; number < kTunnels; ++number) {
+    for (int number = 0; number < count; ++number) {
         Tunnel tunnel;
         tunnel.id = support::Uuid::random();
         tunnel.name =
@@ -41,21 +44,21 @@ std::string catalogue() {
     return support::encodeList(tunnels).value();
 }
 
-// The main window over a catalogue of 10,000 tunnels.
+// The main window over a catalogue of so many tunnels.
 struct Window {
-    Window() {
+    explicit Window(int count = kTunnels) : defaults(filledDefaults(count)) {
         window.resize(MainWindow::kMinimumWidth, MainWindow::kMinimumHeight);
         window.show();
         QApplication::processEvents();
     }
 
-    static std::unique_ptr<fakes::FakeUserDefaults> filledDefaults() {
+    static std::unique_ptr<fakes::FakeUserDefaults> filledDefaults(int count) {
         auto defaults = std::make_unique<fakes::FakeUserDefaults>();
-        defaults->setData(TunnelStore::kDefaultsKey, catalogue());
+        defaults->setData(TunnelStore::kDefaultsKey, catalogue(count));
         return defaults;
     }
 
-    std::unique_ptr<fakes::FakeUserDefaults> defaults = filledDefaults();
+    std::unique_ptr<fakes::FakeUserDefaults> defaults;
     fakes::FakeDispatch dispatch;
     fakes::FakeClock clock{dispatch};
     fakes::FakeHostEnvironment host;
@@ -135,6 +138,21 @@ void statusChange(benchmark::State& state) {
     }
 }
 BENCHMARK(statusChange)->Unit(benchmark::kMillisecond);
+
+// From the first click on the menu-bar icon, which makes the popover, until it is painted.
+void openPopover(benchmark::State& state) {
+    Window window(kTunnelsInPopover);
+    MenuBarCommands commands{{window.theme, window.store, window.manager, window.dispatch, {}}};
+    TunnelTally tally{window.store, window.manager, window.dispatch};
+    for (auto _ : state) {
+        MenuBarExtraWindow popover(commands, tally);
+        popover.openBeside(QRect(700, 0, 22, 22));
+        QApplication::processEvents();
+        QImage frame(popover.size(), QImage::Format_ARGB32_Premultiplied);
+        popover.render(&frame);
+    }
+}
+BENCHMARK(openPopover)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
